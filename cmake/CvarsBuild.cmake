@@ -1,0 +1,41 @@
+# Compiler settings shared by every target of the project.
+
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_CXX_VISIBILITY_PRESET hidden)
+set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+if(NOT CMAKE_BUILD_TYPE)
+  set(CMAKE_BUILD_TYPE RelWithDebInfo)
+endif()
+
+# Loadable parts find each other in one folder of the build tree, as they do once installed.
+set(CMAKE_LIBRARY_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/lib")
+set(CMAKE_RUNTIME_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/bin")
+
+find_program(CCACHE_PROGRAM ccache)
+if(CCACHE_PROGRAM)
+  set(CMAKE_CXX_COMPILER_LAUNCHER "${CCACHE_PROGRAM}")
+endif()
+
+# What every target compiles with: numbers behave the same on every build, and the libraries call
+# themselves directly.
+add_library(cvars_build_options INTERFACE)
+target_compile_options(cvars_build_options INTERFACE
+  -ffp-contract=off -fno-semantic-interposition)
+if(CVARS_SANITIZE)
+  target_compile_options(cvars_build_options INTERFACE
+    -fsanitize=${CVARS_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)
+  target_link_options(cvars_build_options INTERFACE -fsanitize=${CVARS_SANITIZE})
+endif()
+
+add_library(cvars_warnings INTERFACE)
+target_compile_options(cvars_warnings INTERFACE
+  -Wall -Wextra -Wpedantic -Wconversion -Wshadow -Wnon-virtual-dtor)
+if(CMAKE_CXX_COMPILER_ID MATCHES "Clang")
+  target_compile_options(cvars_warnings INTERFACE -Wthread-safety)
+endif()
+add_library(cvars::warnings ALIAS cvars_warnings)
+add_library(cvars::build_options ALIAS cvars_build_options)
