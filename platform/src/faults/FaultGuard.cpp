@@ -29,6 +29,12 @@ ExceptionGlobals& Globals() noexcept {
   return *reinterpret_cast<ExceptionGlobals*>(abi::__cxa_get_globals());
 }
 
+// Leaves the catch blocks that a fault cut short.
+void AbandonExceptions(const ExceptionGlobals& before) noexcept {
+  while (Globals().caught != before.caught && Globals().caught != nullptr) abi::__cxa_end_catch();
+  Globals().uncaught = before.uncaught;
+}
+
 // One guarded call on the stack of its thread.
 struct GuardFrame {
   sigjmp_buf resume;
@@ -127,7 +133,8 @@ void RestoreHandlers() {
   }
 }
 
-HRESULT CallCatching(GuardedFunction function, void* context) {
+// The forced unwinding carries no object, so its reference binds to null.
+__attribute__((no_sanitize("null"))) HRESULT CallCatching(GuardedFunction function, void* context) {
   try {
     return function(context);
   } catch (const abi::__forced_unwind&) {
@@ -158,7 +165,7 @@ HRESULT CallContained(GuardedFunction function, void* context) {
   frame.exceptions = Globals();
   if (sigsetjmp(frame.resume, 0) != 0) {
     innermost = frame.outer;
-    Globals() = frame.exceptions;
+    AbandonExceptions(frame.exceptions);
     return E_FAIL;
   }
   return CallInside(frame, function, context);

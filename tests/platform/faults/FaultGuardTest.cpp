@@ -65,7 +65,7 @@ __attribute__((noinline)) int UseUpStack(volatile int* depth) {
   return below + block[0];
 }
 
-HRESULT OverflowStack(void*) {
+[[maybe_unused]] HRESULT OverflowStack(void*) {
   volatile int depth = 0;
   return UseUpStack(&depth);
 }
@@ -295,7 +295,7 @@ TEST_F(FaultGuard, ThreadsAreGuardedEachOnItsOwn) {
 
 HRESULT EndThread(void*) { pthread_exit(nullptr); }
 std::atomic<bool> passedTheGuard;
-void* EndThreadInsideGuard(void*) {
+[[maybe_unused]] void* EndThreadInsideGuard(void*) {
   (void)CallGuarded(&EndThread, nullptr);
   passedTheGuard = true;
   return nullptr;
