@@ -1,0 +1,28 @@
+# cvars_set_version(<target> <first>[.<second>[.<third>[.<fourth>]]])
+#
+# Gives a module (library or program) a file version, each number from 0 to 65535. It stands in a
+# note of the file and is what a module version look-up reads.
+set(CVARS_VERSION_NOTE_TEMPLATE "${CMAKE_CURRENT_LIST_DIR}/VersionNote.cpp.in")
+
+function(cvars_set_version target version)
+  if(NOT version MATCHES "^[0-9]+(\\.[0-9]+)?(\\.[0-9]+)?(\\.[0-9]+)?$")
+    message(FATAL_ERROR "cvars_set_version(${target} ${version}): not a version of one to four numbers")
+  endif()
+  string(REPLACE "." ";" numbers "${version}")
+  list(APPEND numbers 0 0 0)
+  list(SUBLIST numbers 0 4 numbers)
+  foreach(number IN LISTS numbers)
+    if(number GREATER 65535)
+      message(FATAL_ERROR "cvars_set_version(${target} ${version}): ${number} is above 65535")
+    endif()
+  endforeach()
+  list(GET numbers 0 first)
+  list(GET numbers 1 second)
+  list(GET numbers 2 third)
+  list(GET numbers 3 fourth)
+  math(EXPR VERSION_MS "(${first} << 16) | ${second}" OUTPUT_FORMAT HEXADECIMAL)
+  math(EXPR VERSION_LS "(${third} << 16) | ${fourth}" OUTPUT_FORMAT HEXADECIMAL)
+  set(note "${CMAKE_CURRENT_BINARY_DIR}/${target}_version.cpp")
+  configure_file("${CVARS_VERSION_NOTE_TEMPLATE}" "${note}" @ONLY)
+  target_sources(${target} PRIVATE "${note}")
+endfunction()
