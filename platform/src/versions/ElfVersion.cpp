@@ -67,7 +67,7 @@ std::optional<FileVersion> Search(const ModuleBytes& bytes) {
 
 std::optional<FileVersion> ReadElfVersion(const ModuleBytes& bytes) {
   const auto ident = bytes.ReadAt<std::array<unsigned char, EI_NIDENT>>(0);
-  if (!ident || !std::equal(ELFMAG, ELFMAG + SELFMAG, ident->begin()) ||
+  if (!ident || std::memcmp(ident->data(), ELFMAG, SELFMAG) != 0 ||
       (*ident)[EI_DATA] != ELFDATA2LSB) {
     return std::nullopt;
   }

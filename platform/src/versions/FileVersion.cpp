@@ -4,6 +4,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <bit>
 #include <cerrno>
 
@@ -22,7 +23,8 @@ class MemoryBytes final : public ModuleBytes {
 
   bool Read(std::uint64_t offset, std::span<std::byte> target) const override {
     if (offset > m_content.size() || target.size() > m_content.size() - offset) return false;
-    std::memcpy(target.data(), m_content.data() + offset, target.size());
+    const auto source = m_content.subspan(offset, target.size());
+    std::copy(source.begin(), source.end(), target.begin());
     return true;
   }
 
