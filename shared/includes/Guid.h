@@ -23,3 +23,10 @@ inline constexpr IID IID_NULL = GUID_NULL;
 constexpr bool IsEqualGUID(REFGUID a, REFGUID b) noexcept { return a == b; }
 constexpr bool IsEqualIID(REFIID a, REFIID b) noexcept { return a == b; }
 constexpr bool IsEqualCLSID(REFCLSID a, REFCLSID b) noexcept { return a == b; }
+
+namespace cvars {
+/// Gives the identifier of an interface type: `InterfaceId<IUnknown>::value`. Specialised beside
+/// the interface it belongs to.
+template <class Interface>
+struct InterfaceId;
+}  // namespace cvars

@@ -91,3 +91,18 @@ class IClassFactory : public IUnknown {
  protected:
   ~IClassFactory() = default;
 };
+
+namespace cvars {
+template <>
+struct InterfaceId<IUnknown> {
+  static constexpr IID value = IID_IUnknown;
+};
+template <>
+struct InterfaceId<IDispatch> {
+  static constexpr IID value = IID_IDispatch;
+};
+template <>
+struct InterfaceId<IClassFactory> {
+  static constexpr IID value = IID_IClassFactory;
+};
+}  // namespace cvars

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstring>
+
 #include "Bstr.h"
 #include "Unknown.h"
 
@@ -41,11 +43,7 @@ enum VARENUM : VARTYPE {
 struct SAFEARRAY;
 
 /// Currency: 64-bit integer scaled by 10000.
-union CY {
-  struct {
-    ULONG Lo;
-    LONG Hi;
-  };
+struct CY {
   LONGLONG int64;
 };
 
@@ -58,68 +56,82 @@ struct DECIMAL {
   ULONGLONG Lo64;
 };
 
-/// Tagged value. `vt` says which member holds it; texts, arrays and references are owned.
+/// A record and what describes it; carried, never interpreted.
+struct RecordReference {
+  void* pvRecord;
+  void* pRecInfo;
+};
+
+/// Tagged value. `vt` says which member holds it; texts, arrays and interfaces are owned. A decimal
+/// lies over the whole of the first 16 bytes: see cvars::GetDecimal.
 struct VARIANT {
+  VARTYPE vt;
+  WORD wReserved1;
+  WORD wReserved2;
+  WORD wReserved3;
   union {
-    struct {
-      VARTYPE vt;
-      WORD wReserved1;
-      WORD wReserved2;
-      WORD wReserved3;
-      union {
-        LONGLONG llVal;
-        LONG lVal;
-        BYTE bVal;
-        SHORT iVal;
-        float fltVal;
-        double dblVal;
-        VARIANT_BOOL boolVal;
-        SCODE scode;
-        CY cyVal;
-        DATE date;
-        BSTR bstrVal;
-        IUnknown* punkVal;
-        IDispatch* pdispVal;
-        SAFEARRAY* parray;
-        char cVal;
-        USHORT uiVal;
-        ULONG ulVal;
-        ULONGLONG ullVal;
-        INT intVal;
-        UINT uintVal;
-        void* byref;
-        BYTE* pbVal;
-        SHORT* piVal;
-        LONG* plVal;
-        LONGLONG* pllVal;
-        float* pfltVal;
-        double* pdblVal;
-        VARIANT_BOOL* pboolVal;
-        SCODE* pscode;
-        CY* pcyVal;
-        DATE* pdate;
-        BSTR* pbstrVal;
-        IUnknown** ppunkVal;
-        IDispatch** ppdispVal;
-        SAFEARRAY** pparray;
-        VARIANT* pvarVal;
-        DECIMAL* pdecVal;
-        char* pcVal;
-        USHORT* puiVal;
-        ULONG* pulVal;
-        ULONGLONG* pullVal;
-        INT* pintVal;
-        UINT* puintVal;
-        struct {
-          void* first;
-          void* second;
-        } brecVal;
-      };
-    };
-    DECIMAL decVal;
+    LONGLONG llVal;
+    LONG lVal;
+    BYTE bVal;
+    SHORT iVal;
+    float fltVal;
+    double dblVal;
+    VARIANT_BOOL boolVal;
+    SCODE scode;
+    CY cyVal;
+    DATE date;
+    BSTR bstrVal;
+    IUnknown* punkVal;
+    IDispatch* pdispVal;
+    SAFEARRAY* parray;
+    char cVal;
+    USHORT uiVal;
+    ULONG ulVal;
+    ULONGLONG ullVal;
+    INT intVal;
+    UINT uintVal;
+    void* byref;
+    BYTE* pbVal;
+    SHORT* piVal;
+    LONG* plVal;
+    LONGLONG* pllVal;
+    float* pfltVal;
+    double* pdblVal;
+    VARIANT_BOOL* pboolVal;
+    SCODE* pscode;
+    CY* pcyVal;
+    DATE* pdate;
+    BSTR* pbstrVal;
+    IUnknown** ppunkVal;
+    IDispatch** ppdispVal;
+    SAFEARRAY** pparray;
+    VARIANT* pvarVal;
+    DECIMAL* pdecVal;
+    char* pcVal;
+    USHORT* puiVal;
+    ULONG* pulVal;
+    ULONGLONG* pullVal;
+    INT* pintVal;
+    UINT* puintVal;
+    RecordReference brecVal;
   };
 };
 static_assert(sizeof(VARIANT) == 24);
+
+namespace cvars {
+/// The decimal that a VT_DECIMAL variant holds.
+inline DECIMAL GetDecimal(const VARIANT& variant) noexcept {
+  DECIMAL value;
+  std::memcpy(&value, static_cast<const void*>(&variant), sizeof(value));
+  value.wReserved = 0;
+  return value;
+}
+/// Makes a variant hold a decimal, without freeing what it held.
+inline void SetDecimal(VARIANT& variant, const DECIMAL& value) noexcept {
+  std::memcpy(static_cast<void*>(&variant), &value, sizeof(value));
+  variant.vt = VT_DECIMAL;
+}
+}  // namespace cvars
 
 /// Flags of VariantChangeType; 2 and 4 both ask for "True"/"False" in place of "-1"/"0".
 inline constexpr USHORT VARIANT_NOVALUEPROP = 0x01;
