@@ -37,5 +37,8 @@ target_compile_options(cvars_warnings INTERFACE
 if(CMAKE_CXX_COMPILER_ID MATCHES "Clang")
   target_compile_options(cvars_warnings INTERFACE -Wthread-safety)
 endif()
+if(CVARS_WARNINGS_AS_ERRORS)
+  target_compile_options(cvars_warnings INTERFACE -Werror)
+endif()
 add_library(cvars::warnings ALIAS cvars_warnings)
 add_library(cvars::build_options ALIAS cvars_build_options)
