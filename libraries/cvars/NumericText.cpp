@@ -88,140 +88,170 @@ Engineering Decompose(double value, double step) noexcept {
 
 // --- the number without its unit ---
 
-/// Room for sign, 1000 and 20 decimals, an exponent and a prefix.
-constexpr std::size_t kBodySize = 48;
+/// Room before a number for its sign and digits, and behind it for an exponent or a prefix.
+constexpr std::size_t kDigitsRoom = 32;
+constexpr std::size_t kSuffixRoom = 8;
 
-wchar_t* WriteUnsigned(wchar_t* out, std::uint64_t number, int leastDigits) noexcept {
-  wchar_t reversed[20];
-  int count = 0;
-  do {
-    reversed[count++] = static_cast<wchar_t>(L'0' + number % 10);
+/// A text in the making: digits grow to the left, what follows them to the right.
+struct NumberBuffer {
+  wchar_t characters[kDigitsRoom + kSuffixRoom];
+  wchar_t* first = characters + kDigitsRoom;
+  wchar_t* last = first;
+
+  void Prepend(wchar_t character) noexcept { *--first = character; }
+  void Append(wchar_t character) noexcept { *last++ = character; }
+  std::wstring_view View() const noexcept { return {first, last}; }
+};
+
+void PrependUnsigned(NumberBuffer& text, std::uint64_t number) noexcept {
+  while (number >= 10) {
+    text.Prepend(static_cast<wchar_t>(L'0' + number % 10));
     number /= 10;
-  } while (number != 0 || count < leastDigits);
-  while (count > 0) *out++ = reversed[--count];
-  return out;
+  }
+  text.Prepend(static_cast<wchar_t>(L'0' + number));
 }
 
 __extension__ typedef unsigned __int128 UnsignedWide;  // exact products of mantissa and power
 
-/// Writes a number from 0 to 1000 with the given decimals, exact ties to the even digit.
-wchar_t* WriteFixed(wchar_t* out, double number, int decimals) noexcept {
-  constexpr std::uint64_t kIntegerPowers[] = {1ull,
-                                              10ull,
-                                              100ull,
-                                              1000ull,
-                                              10000ull,
-                                              100000ull,
-                                              1000000ull,
-                                              10000000ull,
-                                              100000000ull,
-                                              1000000000ull,
-                                              10000000000ull,
-                                              100000000000ull,
-                                              1000000000000ull,
-                                              10000000000000ull,
-                                              100000000000000ull,
-                                              1000000000000000ull};
-  if (decimals >= static_cast<int>(std::size(kIntegerPowers)) || number >= 1024.0) {
-    char text[400];
-    const auto end =
-        std::to_chars(text, std::end(text), number, std::chars_format::fixed, decimals).ptr;
-    return std::copy(text, end, out);
-  }
-  // number is bits * 2^-shift; below 1024 the shift is at least 43.
+/// Gives number * 10^decimals as a whole number, exact ties to the even one.
+///
+/// The number is finite and lies in 0..1023, the decimals in 0..15.
+std::uint64_t ScaleToWhole(double number, int decimals) noexcept {
+  constexpr std::uint64_t kWholePowers[] = {1ull,
+                                            10ull,
+                                            100ull,
+                                            1000ull,
+                                            10000ull,
+                                            100000ull,
+                                            1000000ull,
+                                            10000000ull,
+                                            100000000ull,
+                                            1000000000ull,
+                                            10000000000ull,
+                                            100000000000ull,
+                                            1000000000000ull,
+                                            10000000000000ull,
+                                            100000000000000ull,
+                                            1000000000000000ull};
+  // The number is bits * 2^-shift; below 1024 the shift is at least 43.
   const auto pattern = std::bit_cast<std::uint64_t>(number);
   const auto binary = static_cast<int>(pattern >> 52);
   const std::uint64_t fraction = pattern & ((std::uint64_t{1} << 52) - 1);
   const std::uint64_t bits = binary == 0 ? fraction : fraction | std::uint64_t{1} << 52;
   const int shift = 1075 - std::max(binary, 1);
-  std::uint64_t scaled = 0;
-  if (shift < 128) {
-    const std::uint64_t power = kIntegerPowers[decimals];
-    const UnsignedWide product = static_cast<UnsignedWide>(bits) * power;
-    const UnsignedWide rest = product & ((static_cast<UnsignedWide>(1) << shift) - 1);
-    const UnsignedWide half = static_cast<UnsignedWide>(1) << (shift - 1);
-    scaled = static_cast<std::uint64_t>(product >> shift);
-    if (rest > half || (rest == half && (scaled & 1) != 0)) ++scaled;
-  }
-  wchar_t* end = WriteUnsigned(out, scaled, decimals + 1);
-  if (decimals == 0) return end;
-  wchar_t* point = end - decimals;
-  std::copy_backward(point, end, end + 1);
-  *point = L'.';
-  return end + 1;
+  if (shift >= 128) return 0;
+  const UnsignedWide product = static_cast<UnsignedWide>(bits) * kWholePowers[decimals];
+  const UnsignedWide rest = product & ((static_cast<UnsignedWide>(1) << shift) - 1);
+  const UnsignedWide half = static_cast<UnsignedWide>(1) << (shift - 1);
+  const auto whole = static_cast<std::uint64_t>(product >> shift);
+  return rest > half || (rest == half && (whole & 1) != 0) ? whole + 1 : whole;
 }
 
-wchar_t* WriteText(wchar_t* out, std::wstring_view text) noexcept {
-  return std::copy(text.begin(), text.end(), out);
+/// Writes a mantissa with the given decimals, without the zeros at its end when they are to go.
+///
+/// @return whether "0" alone stands there.
+bool PrependMantissa(NumberBuffer& text, double mantissa, int decimals, bool keepZeros) noexcept {
+  if (decimals > 15) {
+    char digits[kDigitsRoom];
+    const char* last =
+        std::to_chars(digits, std::end(digits), mantissa, std::chars_format::fixed, decimals).ptr;
+    if (!keepZeros) {
+      while (last[-1] == '0') --last;
+      if (last[-1] == '.') --last;
+    }
+    while (last != digits) text.Prepend(static_cast<wchar_t>(*--last));
+    return false;
+  }
+  std::uint64_t number = ScaleToWhole(mantissa, decimals);
+  const bool zero = number == 0 && decimals == 0;
+  if (!keepZeros) {
+    for (; decimals > 0 && number % 10 == 0; --decimals) number /= 10;
+  }
+  if (decimals > 0) {
+    for (; decimals > 0; --decimals) {
+      text.Prepend(static_cast<wchar_t>(L'0' + number % 10));
+      number /= 10;
+    }
+    text.Prepend(L'.');
+  }
+  PrependUnsigned(text, number);
+  return zero;
 }
 
 bool IsScreen(NumberStyle style) noexcept {
   return style == NumberStyle::kScreen || style == NumberStyle::kScreenCompact;
 }
 
-/// Writes number and prefix or exponent, without the blanks at its ends. @return its end.
-wchar_t* WriteBody(wchar_t* const body, double value, double grain, bool unitFollows,
-                   NumberStyle style, int width) noexcept {
+/// Writes a finite number and its prefix or exponent.
+void WriteNumber(NumberBuffer& text, double value, double grain, bool unitFollows,
+                 NumberStyle style, int width) noexcept {
   Engineering number = Decompose(value, EffectiveStep(value, grain));
   const int wanted = number.integerDigits + number.decimals + (number.decimals > 0 ? 1 : 0) + 1;
   if (wanted > width) number.decimals = std::max(number.decimals - (wanted - width), 0);
 
-  wchar_t* out = body;
-  if (std::signbit(value) && value != 0.0) *out++ = L'-';
-  wchar_t* const digits = out;
-  out = WriteFixed(out, number.mantissa, number.decimals);
-  if (digits != body && out - digits == 1 && *digits == L'0') {
-    *body = L'0';  // no negative zero; one with decimals keeps its sign
-    out = digits;
-  }
-  if (style != NumberStyle::kScreen && number.decimals > 0) {
-    while (out[-1] == L'0') --out;
-    if (out[-1] == L'.') --out;
-  }
+  const bool plainZero =
+      PrependMantissa(text, number.mantissa, number.decimals, style == NumberStyle::kScreen);
+  // There is no negative zero, but one with decimals keeps its sign.
+  if (value < 0.0 && !plainZero) text.Prepend(L'-');
 
   if (IsScreen(style) && unitFollows && number.power >= -6 && number.power <= 4) {
     constexpr wchar_t kPrefixes[] = L"afpn\u00b5m kMGT";
-    *out++ = L' ';
-    if (number.power != 0) *out++ = kPrefixes[number.power + 6];
-    return out;
+    text.Append(L' ');
+    if (number.power != 0) text.Append(kPrefixes[number.power + 6]);
+    return;
   }
   if (number.power != 0) {
-    *out++ = IsScreen(style) ? L'e' : L'E';
-    *out++ = number.power < 0 ? L'-' : L'+';
-    out = WriteUnsigned(out, static_cast<std::uint64_t>(3 * std::abs(number.power)), 1);
+    text.Append(IsScreen(style) ? L'e' : L'E');
+    text.Append(number.power < 0 ? L'-' : L'+');
+    const int exponent = 3 * std::abs(number.power);
+    if (exponent >= 100) text.Append(static_cast<wchar_t>(L'0' + exponent / 100));
+    if (exponent >= 10) text.Append(static_cast<wchar_t>(L'0' + exponent / 10 % 10));
+    text.Append(static_cast<wchar_t>(L'0' + exponent % 10));
   }
-  if (unitFollows) *out++ = L' ';
-  return out;
+  if (unitFollows) text.Append(L' ');
 }
 
 // --- number and unit ---
+
+/// Compares without the call that the standard comparison makes; most texts differ at once.
+bool SameText(std::wstring_view left, std::wstring_view right) noexcept {
+  if (left.size() != right.size()) return false;
+  for (std::size_t i = 0; i < left.size(); ++i) {
+    if (left[i] != right[i]) return false;
+  }
+  return true;
+}
 
 std::wstring_view TrimEnd(std::wstring_view text) noexcept {
   while (!text.empty() && IsBlank(text.back())) text.remove_suffix(1);
   return text;
 }
 
+wchar_t* WriteText(wchar_t* out, std::wstring_view text) noexcept {
+  return std::copy(text.begin(), text.end(), out);
+}
+
 /// The parts of a finished text; the views lie in the caller's buffers.
 struct NumberParts {
-  std::wstring_view body;
+  std::wstring_view number;
   std::wstring_view unit;
   bool plural = false;
 
-  std::size_t Length() const noexcept { return body.size() + unit.size() + (plural ? 1 : 0); }
+  std::size_t Length() const noexcept { return number.size() + unit.size() + (plural ? 1 : 0); }
   void Write(wchar_t* out) const noexcept {
-    out = WriteText(WriteText(out, body), unit);
+    out = WriteText(WriteText(out, number), unit);
     if (plural) *out = L's';
   }
 };
 
-NumberParts MakeParts(wchar_t* buffer, double value, double grain, std::wstring_view unit,
+NumberParts MakeParts(NumberBuffer& text, double value, double grain, std::wstring_view unit,
                       NumberStyle style, int width) noexcept {
   if (!std::isfinite(value)) return {IsScreen(style) ? L"- - -" : L"UNDEF", {}, false};
   if (style == NumberStyle::kRemoteNoUnit) unit = {};
-  const wchar_t* end = WriteBody(buffer, value, grain, !unit.empty(), style, width);
-  NumberParts parts{{buffer, end}, TrimEnd(unit), false};
+  WriteNumber(text, value, grain, !unit.empty(), style, width);
+  NumberParts parts{text.View(), TrimEnd(unit), false};
   parts.plural = IsScreen(style) && value != 1.0 && IsCountingUnit(unit);
-  if (parts.unit.empty()) parts.body = TrimEnd(parts.body);
+  if (parts.unit.empty()) parts.number = TrimEnd(parts.number);
   return parts;
 }
 
@@ -247,23 +277,23 @@ HRESULT Parse(std::wstring_view text, std::wstring_view unit, PrefixTable table,
   if (p == first) return kNoNumber;
   while (p != last && IsBlank(*p)) ++p;
   const std::wstring_view suffix(p, last);
-  if (suffix.empty() || suffix == unit) {
+  if (suffix.empty() || SameText(suffix, unit)) {
     *value = number;
     return S_OK;
   }
   std::wstring_view prefix;
-  if (suffix.substr(1) == unit) {
+  if (SameText(suffix.substr(1), unit)) {
     prefix = suffix.substr(0, 1);
-  } else if (suffix.size() >= 2 && suffix.substr(2) == unit) {
+  } else if (suffix.size() >= 2 && SameText(suffix.substr(2), unit)) {
     prefix = suffix.substr(0, 2);
   } else {
     return kUnknownSuffix;
   }
   const auto entry = std::find_if(table.begin(), table.end(), [&](const NumberPrefix& candidate) {
-    return candidate.text == prefix;
+    return SameText(candidate.text, prefix);
   });
   if (entry == table.end()) return kUnknownSuffix;
-  const bool megahertz = prefix == L"M" && unit == L"HZ";
+  const bool megahertz = SameText(prefix, L"M") && SameText(unit, L"HZ");
   *value = number * (megahertz ? 1e6 : entry->multiplier);
   return S_OK;
 }
@@ -271,7 +301,7 @@ HRESULT Parse(std::wstring_view text, std::wstring_view unit, PrefixTable table,
 /// Finds the first "s" that follows the unit; npos when there is none.
 std::size_t FindPlural(std::wstring_view text, std::wstring_view unit) noexcept {
   for (std::size_t at = unit.size(); at < text.size(); ++at) {
-    if (text[at] == L's' && text.substr(at - unit.size(), unit.size()) == unit) return at;
+    if (text[at] == L's' && SameText(text.substr(at - unit.size(), unit.size()), unit)) return at;
   }
   return std::wstring_view::npos;
 }
@@ -281,35 +311,34 @@ std::size_t FindPlural(std::wstring_view text, std::wstring_view unit) noexcept 
 bool IsCountingUnit(std::wstring_view unit) noexcept {
   constexpr std::wstring_view kCountingUnits[] = {L"sweep", L"decade", L"hour", L"day",
                                                   L"wk",    L"bit",    L"byte"};
-  return unit.size() > 1 && std::find(std::begin(kCountingUnits), std::end(kCountingUnits), unit) !=
-                                std::end(kCountingUnits);
+  return std::any_of(std::begin(kCountingUnits), std::end(kCountingUnits),
+                     [unit](std::wstring_view word) { return SameText(word, unit); });
 }
 
 HRESULT FormatNumber(double value, double grain, std::wstring_view unit, NumberStyle style,
                      int width, BSTR* text) {
-  wchar_t body[kBodySize];
-  return MakeText(MakeParts(body, value, grain, unit, style, width), text);
+  NumberBuffer buffer;
+  return MakeText(MakeParts(buffer, value, grain, unit, style, width), text);
 }
 
 void AppendNumber(std::wstring& text, double value, double grain, std::wstring_view unit,
                   NumberStyle style, int width) {
-  wchar_t body[kBodySize];
-  const NumberParts parts = MakeParts(body, value, grain, unit, style, width);
+  NumberBuffer buffer;
+  const NumberParts parts = MakeParts(buffer, value, grain, unit, style, width);
   const std::size_t start = text.size();
   text.resize(start + parts.Length());
   parts.Write(text.data() + start);
 }
 
 HRESULT FormatInteger(std::int64_t value, std::wstring_view unit, NumberStyle style, BSTR* text) {
-  wchar_t body[kBodySize];
-  wchar_t* end = body;
-  if (value < 0) *end++ = L'-';
+  NumberBuffer buffer;
   const auto bits = static_cast<std::uint64_t>(value);
-  end = WriteUnsigned(end, value < 0 ? 0 - bits : bits, 1);
+  PrependUnsigned(buffer, value < 0 ? 0 - bits : bits);
+  if (value < 0) buffer.Prepend(L'-');
   if (style == NumberStyle::kRemoteNoUnit) unit = {};
-  if (!unit.empty()) *end++ = L' ';
+  if (!unit.empty()) buffer.Append(L' ');
   const bool plural = IsScreen(style) && value != 1 && IsCountingUnit(unit);
-  return MakeText({{body, end}, unit, plural}, text);
+  return MakeText({buffer.View(), unit, plural}, text);
 }
 
 void AppendGeneral(std::wstring& text, double value) {
