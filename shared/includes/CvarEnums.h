@@ -79,6 +79,23 @@ enum CVARREPLICATIONINITIALCOPYDIRECTION : std::uint32_t {
   REPLICATIONCOPY_TO_OTHER = 1,
 };
 
+/// Steps of one decade in which a lockstep value moves; the name lists them.
+enum LOCKSTEP : std::uint32_t {
+  LOCKSTEP_1_2_25_5 = 0,  ///< 1, 2, 2.5, 5, 10
+  LOCKSTEP_1_2_4 = 1,
+  LOCKSTEP_1_2_4_5 = 2,
+  LOCKSTEP_1_2_4_8 = 3,
+  LOCKSTEP_1_2_5 = 4,
+  LOCKSTEP_1_25_4_5 = 5,  ///< 1, 2.5, 4, 5, 10
+  LOCKSTEP_1_25_5 = 6,    ///< 1, 2.5, 5, 10
+  LOCKSTEP_1_3_5 = 7,
+  LOCKSTEP_1_33 = 8,  ///< 1, 3.3, 10
+  LOCKSTEP_1 = 9,
+  LOCKSTEP_1_2 = 10,
+  LOCKSTEP_1_2_3_5 = 11,
+  LOCKSTEP_1_5 = 12,
+};
+
 namespace cvars {
 template <>
 inline constexpr bool kIsBitMask<CVARFLAGS> = true;
