@@ -52,7 +52,6 @@ BSTR SysAllocString(const wchar_t* text) {
 }
 
 BSTR SysAllocStringByteLen(const char* bytes, UINT byteLength) {
-  if (byteLength >= std::uint64_t{kLargestLength} * sizeof(wchar_t)) return nullptr;
   return Allocate(bytes, byteLength);
 }
 
