@@ -2,12 +2,12 @@
 
 #include <gtest/gtest.h>
 
-#include <clocale>
 #include <cmath>
 #include <cstring>
 #include <cwchar>
 #include <string>
 
+#include "PlainLocale.h"
 #include "Randomness.h"
 
 namespace {
@@ -18,15 +18,29 @@ std::uint64_t BitsOf(double value) {
   return bits;
 }
 
-/// Compares with the C library, which stands in the "C" locale here.
+double ReadByTheCLibrary(const std::wstring& text, std::ptrdiff_t* length) {
+  const cvars::test::PlainLocale plain;
+  wchar_t* end = nullptr;
+  const double value = std::wcstod(text.c_str(), &end);
+  *length = end - text.c_str();
+  return value;
+}
+
+std::wstring Printed(const wchar_t* format, int digits, double value) {
+  const cvars::test::PlainLocale plain;
+  wchar_t text[64];
+  std::swprintf(text, std::size(text), format, digits, value);
+  return text;
+}
+
+/// Compares with the C library in the "C" locale.
 void ExpectLikeC(const std::wstring& text) {
-  ASSERT_STREQ("C", std::setlocale(LC_NUMERIC, nullptr));
-  wchar_t* expectedEnd = nullptr;
-  const double expected = std::wcstod(text.c_str(), &expectedEnd);
+  std::ptrdiff_t expectedLength = 0;
+  const double expected = ReadByTheCLibrary(text, &expectedLength);
   double value = 4711.0;
   const wchar_t* const first = text.data();
   const wchar_t* const end = cvars::ScanNumber(first, first + text.size(), &value);
-  ASSERT_EQ(expectedEnd - text.c_str(), end - first) << testing::PrintToString(text);
+  ASSERT_EQ(expectedLength, end - first) << testing::PrintToString(text);
   if (end == first) {
     EXPECT_EQ(4711.0, value);
   } else if (std::isnan(expected)) {
@@ -132,11 +146,8 @@ TEST(ScanNumberPropertyTest, ReadsWhatTheCLibraryReads) {
   }
   for (int i = 0; i < 20000; ++i) {
     const double value = random.AnyDouble();
-    wchar_t text[64];
-    std::swprintf(text, std::size(text), random.Chance(0.2) ? L"%a" : L"%.*e",
-                  static_cast<int>(random.Whole(0, 24)), value);
-    if (random.Chance(0.8)) std::swprintf(text, std::size(text), L"%.*e", 18, value);
-    ExpectLikeC(text);
+    ExpectLikeC(Printed(random.Chance(0.2) ? L"%.*a" : L"%.*e",
+                        random.Chance(0.8) ? 18 : static_cast<int>(random.Whole(0, 24)), value));
   }
   for (int i = 0; i < 20000; ++i) {
     const std::wstring text = std::to_wstring(random.Whole(-99999999, 99999999)) + L"." +

@@ -8,6 +8,7 @@
 #include <limits>
 #include <string>
 
+#include "PlainLocale.h"
 #include "Randomness.h"
 
 namespace {
@@ -182,7 +183,10 @@ std::wstring SlowFormat(double value, double grain, std::wstring unit, NumberSty
   if (decimals < 0) decimals = 0;
   if (columns == 0) columns = 10;
   wchar_t buffer[400];
-  std::swprintf(buffer, 400, L"%*.*f", columns, decimals, mantissa);
+  {
+    const cvars::test::PlainLocale plain;
+    std::swprintf(buffer, 400, L"%*.*f", columns, decimals, mantissa);
+  }
   std::wstring text = buffer;
   if (text.size() > 1 && text.substr(text.size() - 2) == L"-0") text[text.size() - 2] = L' ';
   if (mode != 2 && text.find(L'.') != std::wstring::npos) {
@@ -352,7 +356,10 @@ TEST(GeneralTextTest, PrintsWhatTheCLibraryPrints) {
                              ? random.AnyDouble()
                              : static_cast<double>(random.Whole(-40000000, 40000000)) / 16.0;
     wchar_t text[64];
-    std::swprintf(text, std::size(text), L"%g", value);
+    {
+      const cvars::test::PlainLocale plain;
+      std::swprintf(text, std::size(text), L"%g", value);
+    }
     EXPECT_EQ(text, General(value));
   }
 }
