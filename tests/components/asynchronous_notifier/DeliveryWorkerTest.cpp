@@ -189,7 +189,9 @@ TEST_F(DeliveryWorkerTest, DrainDoesNotWaitForWhatIsPostedLater) {
   std::atomic<bool> enough{false};
   CComPtr<FunctionListener> listener;
   listener = FunctionListener::Make([&](IVorCvar* source, NOTIFYTYPE) {
-    if (!enough) EXPECT_EQ(worker.Post(source, NOTIFY_VALUE, listener), S_OK);
+    if (!enough) {
+      EXPECT_EQ(worker.Post(source, NOTIFY_VALUE, listener), S_OK);
+    }
     return S_OK;
   });
   EXPECT_EQ(worker.Post(cvar, NOTIFY_VALUE, listener), S_OK);
