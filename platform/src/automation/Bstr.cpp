@@ -90,3 +90,32 @@ UINT SysStringByteLen(const wchar_t* text) {
 UINT SysStringLen(const wchar_t* text) {
   return SysStringByteLen(text) / static_cast<UINT>(sizeof(wchar_t));
 }
+
+HRESULT VarBstrCmp(BSTR left, BSTR right, LCID /*locale: the order is by code point*/,
+                   ULONG flags) {
+  const UINT leftLength = SysStringLen(left);
+  const UINT rightLength = SysStringLen(right);
+  const UINT common = leftLength < rightLength ? leftLength : rightLength;
+  const bool ignoreCase = (flags & NORM_IGNORECASE) != 0;
+  for (UINT i = 0; i < common; ++i) {
+    const wchar_t a = ignoreCase ? cvars::UpperCase(left[i]) : left[i];
+    const wchar_t b = ignoreCase ? cvars::UpperCase(right[i]) : right[i];
+    if (a != b) return a < b ? VARCMP_LT : VARCMP_GT;
+  }
+  if (leftLength == rightLength) return VARCMP_EQ;
+  return leftLength < rightLength ? VARCMP_LT : VARCMP_GT;
+}
+
+HRESULT VarBstrCat(BSTR left, BSTR right, BSTR* result) {
+  if (result == nullptr) return E_INVALIDARG;
+  const std::size_t leftBytes = SysStringByteLen(left);
+  const std::size_t rightBytes = SysStringByteLen(right);
+  if (leftBytes + rightBytes >= std::size_t{kLargestLength} * sizeof(wchar_t)) return E_OUTOFMEMORY;
+  BSTR joined = AllocateBytes(leftBytes + rightBytes);
+  if (joined == nullptr) return E_OUTOFMEMORY;
+  auto* target = reinterpret_cast<char*>(joined);
+  if (leftBytes != 0) std::memcpy(target, left, leftBytes);
+  if (rightBytes != 0) std::memcpy(target + leftBytes, right, rightBytes);
+  *result = joined;
+  return S_OK;
+}
