@@ -9,7 +9,7 @@
 #include <stdexcept>
 #include <string>
 
-#include "FileDescriptor.h"
+#include "files/FileDescriptor.h"
 #include "RegistryTree.h"
 #include "platform/Registry.h"
 

@@ -15,14 +15,16 @@ class FileDescriptor {
       : m_descriptor(std::exchange(other.m_descriptor, -1)) {}
   FileDescriptor& operator=(FileDescriptor&& other) noexcept {
     std::swap(m_descriptor, other.m_descriptor);
+    other.Close();
     return *this;
   }
-  ~FileDescriptor() {
-    if (m_descriptor >= 0) close(m_descriptor);
-  }
+  ~FileDescriptor() { Close(); }
 
   explicit operator bool() const { return m_descriptor >= 0; }
   int Get() const { return m_descriptor; }
+  void Close() noexcept {
+    if (const int descriptor = std::exchange(m_descriptor, -1); descriptor >= 0) close(descriptor);
+  }
 
  private:
   int m_descriptor = -1;
