@@ -96,6 +96,14 @@ enum LOCKSTEP : std::uint32_t {
   LOCKSTEP_1_5 = 12,
 };
 
+/// Which member of a set of allowed values a request between two members takes.
+enum AdaptPolicy : std::uint32_t {
+  ADAPT_CLOSEST_DOWN = 0,  ///< the nearer one, on a tie the lower
+  ADAPT_CLOSEST_UP = 1,    ///< the nearer one, on a tie the higher
+  ADAPT_DOWN = 2,
+  ADAPT_UP = 3,
+};
+
 namespace cvars {
 template <>
 inline constexpr bool kIsBitMask<CVARFLAGS> = true;
