@@ -23,4 +23,5 @@
 #include "IVorCvar.h"
 #include "IVorCvarDouble.h"
 #include "IVorCvarEventSink.h"
+#include "IVorPhysicalUnit.h"
 #include "Unknown.h"
