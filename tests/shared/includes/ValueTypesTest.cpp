@@ -1,0 +1,136 @@
+#include <gtest/gtest.h>
+
+#include <string>
+#include <utility>
+
+#include "Cvars.h"
+
+namespace {
+
+static_assert(CVARFLAG_READONLY == 0x1 && CVARFLAG_HIDDEN == 0x2 && CVARFLAG_WRAPPING == 0x4 &&
+              CVARFLAG_LATEUPDATE == 0x8 && CVARFLAG_GUIONLY == 0x10 && CVARFLAG_COMPACT == 0x20 &&
+              CVARFLAG_NONVOLATILE == 0x40 && CVARFLAG_REVERSEINCREMENT == 0x80 &&
+              CVARFLAG_A == 0x100 && CVARFLAG_M == 0x200 && CVARFLAG_GRAYED == 0x400 &&
+              CVARFLAG_P == 0x800 && CVARFLAG_D == 0x1000 && CVARFLAG_PRIVATE == 0x2000 &&
+              CVARFLAG_PUBLIC == 0x4000 && CVARFLAG_SPECIALCHARS == 0x10000);
+static_assert(NOTIFY_FLAGS == 0x1 && NOTIFY_VALUE == 0x2 && NOTIFY_RANGE == 0x4 &&
+              NOTIFY_LATEUPDATE == 0x8 && NOTIFY_UNIT == 0x40 && NOTIFY_ATTRIBUTES == 0x80 &&
+              NOTIFY_REQUESTED == 0x100 && NOTIFY_GUIHINTS == 0x200);
+static_assert(NOTIFY_ALL_CLIENTS == 1 && NOTIFY_FIRST_CLIENT_ONLY == 2);
+static_assert(REPLICATE_FLAGS == 0x1 && REPLICATE_REQUESTED == 0x2 && REPLICATE_RANGE == 0x4 &&
+              REPLICATE_NAME == 0x8 && REPLICATE_HELPID == 0x10 && REPLICATE_GUIHINTS == 0x20 &&
+              REPLICATE_DEFAULT == 0x40 && REPLICATE_OVERRIDE_READONLY == 0x80 &&
+              REPLICATE_UNIT == 0x100 && REPLICATE_VALUE == 0x200 &&
+              REPLICATE_DESCRIPTION == 0x8000);
+static_assert(REPLICATIONCONNECTION_NONE == 0 && REPLICATIONCONNECTION_SYNCHRONOUS == 1 &&
+              REPLICATIONCONNECTION_ASYNCHRONOUS == 2 && REPLICATIONCONNECTION_UNCHANGED == 3);
+static_assert(REPLICATIONCOPY_FROM_OTHER == 0 && REPLICATIONCOPY_TO_OTHER == 1);
+
+static_assert(S_OK == 0 && S_FALSE == 1 && E_NOTIMPL == -2147467263 &&
+              E_NOINTERFACE == -2147467262 && E_POINTER == -2147467261 && E_FAIL == -2147467259 &&
+              E_UNEXPECTED == -2147418113 && E_ACCESSDENIED == -2147024891 &&
+              E_OUTOFMEMORY == -2147024882 && E_INVALIDARG == -2147024809 &&
+              OLE_E_BLANK == -2147221497 && DISP_E_MEMBERNOTFOUND == -2147352573 &&
+              DISP_E_TYPEMISMATCH == -2147352571 && DISP_E_OVERFLOW == -2147352566 &&
+              DISP_E_BADINDEX == -2147352565);
+
+static_assert(IID_IUnknown == GUID{0, 0, 0, {0xC0, 0, 0, 0, 0, 0, 0, 0x46}});
+static_assert(IID_IVorCvar ==
+              GUID{0x7205B0A0, 0xE8E6, 0x4D14, {0x80, 0xF1, 0x0D, 0x21, 0x31, 0x4B, 0xE6, 0xBA}});
+static_assert(IID_IVorCvarEventSink ==
+              GUID{0x39699EE3, 0x8587, 0x40BC, {0x85, 0x5F, 0xA2, 0x60, 0xE0, 0x4B, 0xFB, 0xA5}});
+static_assert(IID_CvarBag ==
+              GUID{0xB4C49663, 0x8BB0, 0x4472, {0x8A, 0x41, 0xE7, 0xAD, 0x9C, 0xCA, 0xD1, 0x70}});
+
+// Counts its references and lives on the stack.
+class Counted final : public IUnknown {
+ public:
+  HRESULT QueryInterface(REFIID iid, void** object) override {
+    if (object == nullptr) return E_POINTER;
+    *object = iid == IID_IUnknown ? this : nullptr;
+    if (*object == nullptr) return E_NOINTERFACE;
+    AddRef();
+    return S_OK;
+  }
+  ULONG AddRef() override { return ++references; }
+  ULONG Release() override { return --references; }
+
+  ULONG references = 0;
+};
+
+TEST(OwningPointer, BalancesReferences) {
+  Counted object;
+  {
+    CComPtr<IUnknown> first(&object);
+    CComPtr<IUnknown> second = first;
+    EXPECT_EQ(object.references, 2u);
+    CComPtr<IUnknown> moved = std::move(second);
+    EXPECT_EQ(object.references, 2u);
+    CComPtr<IUnknown> asked;
+    EXPECT_EQ(first.QueryInterface(&asked), S_OK);
+    EXPECT_EQ(object.references, 3u);
+    EXPECT_TRUE(asked.IsEqualObject(moved));
+    CComPtr<IDispatch> refused;
+    EXPECT_EQ(first.QueryInterface(&refused), E_NOINTERFACE);
+    moved.Attach(first.Detach());
+    EXPECT_EQ(object.references, 2u);
+  }
+  EXPECT_EQ(object.references, 0u);
+}
+
+TEST(OwningString, CopiesMovesAndDetaches) {
+  CComBSTR text(L"gain");
+  CComBSTR copy = text;
+  EXPECT_NE(copy.m_str, text.m_str);
+  copy += L" dB";
+  EXPECT_TRUE(copy == L"gain dB");
+  CVorComBSTR other(copy);
+  EXPECT_TRUE(other == copy);
+  const CComBSTR moved = std::move(copy);
+  EXPECT_FALSE(!moved);
+  BSTR raw = text.Detach();
+  EXPECT_TRUE(!text);
+  text.Attach(raw);
+  EXPECT_EQ(text.Length(), 4u);
+}
+
+TEST(OwningVariant, OwnsTextsAndInterfaces) {
+  Counted object;
+  {
+    CComVariant value(static_cast<IUnknown*>(&object));
+    CComVariant copy = value;
+    EXPECT_EQ(object.references, 2u);
+    value = L"text";
+    EXPECT_EQ(object.references, 1u);
+    const CComVariant moved = std::move(value);
+    EXPECT_EQ(moved.vt, VT_BSTR);
+    VARIANT raw{};
+    ASSERT_EQ(copy.Detach(&raw), S_OK);
+    EXPECT_EQ(object.references, 1u);
+    ASSERT_EQ(copy.Attach(&raw), S_OK);
+    EXPECT_EQ(raw.vt, VT_EMPTY);
+  }
+  EXPECT_EQ(object.references, 0u);
+}
+
+TEST(OwningVariant, TagsFollowTheArgument) {
+  EXPECT_EQ(CComVariant(1).vt, VT_I4);
+  EXPECT_EQ(CComVariant(1L).vt, VT_I4);
+  EXPECT_EQ(CComVariant(LONGLONG{1} << 40, VT_I8).llVal, LONGLONG{1} << 40);
+  EXPECT_EQ(CComVariant(true).boolVal, VARIANT_TRUE);
+  EXPECT_EQ(CComVariant(1.0).vt, VT_R8);
+  EXPECT_EQ(CComVariant(1u).vt, VT_UI4);
+}
+
+TEST(OwningArray, CopiesAreIndependent) {
+  CComSafeArray<VARIANT> array;
+  ASSERT_EQ(array.Add(CComVariant(L"one")), S_OK);
+  const CComSafeArray<VARIANT> copy = array;
+  ASSERT_EQ(array.SetAt(0, CComVariant(2)), S_OK);
+  EXPECT_EQ(copy.GetCount(), 1u);
+  EXPECT_EQ(copy.GetAt(0).vt, VT_BSTR);
+  CComSafeArray<double> wrong;
+  EXPECT_EQ(wrong.CopyFrom(array), DISP_E_TYPEMISMATCH);
+}
+
+}  // namespace
