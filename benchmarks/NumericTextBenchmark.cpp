@@ -5,13 +5,11 @@
 
 #include <array>
 #include <cmath>
-#include <cstdio>
 #include <cstdlib>
 #include <cwchar>
 #include <string>
 
 #include "GrainRounding.h"
-#include "NumberScan.h"
 
 namespace {
 
