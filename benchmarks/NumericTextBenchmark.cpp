@@ -42,8 +42,8 @@ void ScreenText(benchmark::State& state) {
   for (auto _ : state) {
     const Number& number = Numbers()[i++ & 63];
     BSTR text = nullptr;
-    benchmark::DoNotOptimize(cvars::FormatNumber(number.value, number.grain, L"V", style,
-                                                 cvars::kNumberWidth, &text));
+    benchmark::DoNotOptimize(
+        cvars::FormatNumber(number.value, number.grain, L"V", style, cvars::kNumberWidth, &text));
     benchmark::DoNotOptimize(text);
     SysFreeString(text);
   }

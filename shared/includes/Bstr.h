@@ -10,7 +10,8 @@ CVARS_API BSTR SysAllocString(const wchar_t* text);
 CVARS_API BSTR SysAllocStringLen(const wchar_t* text, UINT length);
 /// Allocates `byteLength` bytes; SysStringLen then is the number of whole characters.
 CVARS_API BSTR SysAllocStringByteLen(const char* bytes, UINT byteLength);
-/// Replaces `*text` by a copy of `source`. @return 1, or 0 when the allocation failed (old text kept).
+/// Replaces `*text` by a copy of `source`. @return 1, or 0 when the allocation failed (old text
+/// kept).
 CVARS_API int SysReAllocString(BSTR* text, const wchar_t* source);
 CVARS_API int SysReAllocStringLen(BSTR* text, const wchar_t* source, UINT length);
 /// Frees a string made by these functions; null does nothing.

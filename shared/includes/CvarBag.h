@@ -10,12 +10,13 @@ inline constexpr IID IID_CvarBag = {
     0xB4C49663, 0x8BB0, 0x4472, {0x8A, 0x41, 0xE7, 0xAD, 0x9C, 0xCA, 0xD1, 0x70}};
 
 /// A named container of cvars. Its name is the property "Name", read by name through IDispatch.
-class CvarBag : public IDispatch {
+class CVARS_API CvarBag : public IDispatch {
  public:
   /// The module that made the bag, whose resources hold help texts, icons and bitmaps.
   virtual HRESULT GetModuleInstanceHandle(HINSTANCE* module) = 0;  // 7
 
-  /// Finds a cvar by key: a text is a name (screen or remote, any case), a number a position from 0.
+  /// Finds a cvar by key: a text is a name (screen or remote, any case), a number a position from
+  /// 0.
   /// @param cvar  receives the cvar with one reference; null on failure.
   /// @retval E_POINTER        cvar is null
   /// @retval DISP_E_BADINDEX  no such cvar
@@ -25,4 +26,9 @@ class CvarBag : public IDispatch {
 
  protected:
   ~CvarBag() = default;
+};
+
+template <>
+struct cvars::InterfaceId<CvarBag> {
+  static constexpr IID value = IID_CvarBag;
 };

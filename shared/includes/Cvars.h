@@ -25,3 +25,26 @@
 #include "IVorCvarEventSink.h"
 #include "IVorPhysicalUnit.h"
 #include "Unknown.h"
+
+// The platform.
+#include "platform/Components.h"
+#include "platform/FaultGuard.h"
+#include "platform/HostPath.h"
+#include "platform/MessageBox.h"
+#include "platform/MessageBoxPresenter.h"
+#include "platform/NamedMutex.h"
+#include "platform/Registry.h"
+
+// Interfaces of outside components.
+#include "IVorAsynchronousCvarNotifier.h"
+#include "IVorMessageBox.h"
+#include "IVorPhysicalUnit.h"
+#include "IVorRegExp.h"
+
+// Cvar classes.
+#include "CCvarDouble.h"
+#include "CvarImpl.h"
+
+// Client kit.
+#include "CCvarBag.h"
+#include "CvarObject.h"

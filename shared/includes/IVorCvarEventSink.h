@@ -10,7 +10,7 @@ inline constexpr IID IID_IVorCvarEventSink = {
     0x39699EE3, 0x8587, 0x40BC, {0x85, 0x5F, 0xA2, 0x60, 0xE0, 0x4B, 0xFB, 0xA5}};
 
 /// A listener: told of the changes of the cvars it is attached to.
-class IVorCvarEventSink : public IUnknown {
+class CVARS_API IVorCvarEventSink : public IUnknown {
  public:
   /// Called on the changer's thread, with no lock of the cvar held.
   ///
@@ -21,4 +21,9 @@ class IVorCvarEventSink : public IUnknown {
 
  protected:
   ~IVorCvarEventSink() = default;
+};
+
+template <>
+struct cvars::InterfaceId<IVorCvarEventSink> {
+  static constexpr IID value = IID_IVorCvarEventSink;
 };

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Export.h"
 #include "Guid.h"
 #include "ResultCodes.h"
 
@@ -13,7 +14,7 @@ inline constexpr IID IID_IUnknown = {
 ///
 /// Two interface pointers belong to the same object when the pointers that
 /// QueryInterface(IID_IUnknown) gives are equal.
-class IUnknown {
+class CVARS_API IUnknown {
  public:
   /// Gives another interface of the same object, with one reference.
   /// @retval E_POINTER      object is null
@@ -64,7 +65,7 @@ inline constexpr IID IID_IDispatch = {
     0x00020400, 0x0000, 0x0000, {0xC0, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x46}};
 
 /// Access to an object's members by name, for scripts.
-class IDispatch : public IUnknown {
+class CVARS_API IDispatch : public IUnknown {
  public:
   virtual HRESULT GetTypeInfoCount(UINT* count) = 0;                               // 3
   virtual HRESULT GetTypeInfo(UINT index, LCID locale, ITypeInfo** typeInfo) = 0;  // 4
@@ -83,7 +84,7 @@ inline constexpr IID IID_IClassFactory = {
     0x00000001, 0x0000, 0x0000, {0xC0, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x46}};
 
 /// Makes the objects of one class.
-class IClassFactory : public IUnknown {
+class CVARS_API IClassFactory : public IUnknown {
  public:
   virtual HRESULT CreateInstance(IUnknown* outer, REFIID iid, void** object) = 0;  // 3
   virtual HRESULT LockServer(int lock) = 0;                                        // 4

@@ -9,8 +9,8 @@
 #include <stdexcept>
 #include <string>
 
-#include "files/FileDescriptor.h"
 #include "RegistryTree.h"
+#include "files/FileDescriptor.h"
 #include "platform/Registry.h"
 
 namespace cvars::platform {

@@ -1,0 +1,274 @@
+#include "CvarCore.h"
+
+#include "CComBSTR.h"
+#include "CComPtr.h"
+#include "CComVariant.h"
+#include "CvarBag.h"
+#include "CvarExtras.h"
+#include "CvarText.h"
+#include "DeveloperEvents.h"
+#include "FlagsString.h"
+
+namespace cvars {
+
+using platform::ScopedLock;
+
+namespace {
+
+// Set while the last reference is being given back: references taken and given back by then no
+// longer bring the count to zero.
+constexpr std::uint32_t kGoing = 0x80000000u;
+
+HINSTANCE ToModule(unsigned long module) noexcept { return reinterpret_cast<HINSTANCE>(module); }
+
+unsigned long ToNumber(HINSTANCE module) noexcept {
+  return static_cast<unsigned long>(reinterpret_cast<std::uintptr_t>(module));
+}
+
+std::wstring WithoutFirst(std::wstring text, std::wstring_view piece) {
+  const std::size_t at = text.find(piece);
+  if (at != std::wstring::npos) text.erase(at, piece.size());
+  return text;
+}
+
+}  // namespace
+
+CvarCore::CvarCore() noexcept = default;
+
+CvarCore::~CvarCore() { delete m_extras.load(std::memory_order_relaxed); }
+
+ULONG CvarCore::ReleaseReference() {
+  const std::uint32_t left = m_references.fetch_sub(1, std::memory_order_acq_rel) - 1;
+  if (left != 0) return left & ~kGoing;
+  m_references.store(kGoing | 1, std::memory_order_relaxed);
+  FinalRelease();
+  Destroy();
+  return 0;
+}
+
+bool CvarCore::TryAddReference() noexcept {
+  std::uint32_t count = m_references.load(std::memory_order_relaxed);
+  while (count != 0 && (count & kGoing) == 0) {
+    if (m_references.compare_exchange_weak(count, count + 1, std::memory_order_relaxed))
+      return true;
+  }
+  return false;
+}
+
+void CvarCore::FinalRelease() { m_listeners.DetachAll(m_lock); }
+
+CvarExtras& CvarCore::Extras() {
+  CvarExtras* extras = ExtrasIfAny();
+  if (extras != nullptr) return *extras;
+  auto* const made = new CvarExtras;
+  if (m_extras.compare_exchange_strong(extras, made, std::memory_order_acq_rel)) return *made;
+  delete made;
+  return *extras;
+}
+
+// Flags ------------------------------------------------------------------------------------------
+
+bool CvarCore::ChangeFlags(std::uint32_t word) {
+  if (word == m_flags) return false;
+  m_flags = word;
+  (void)Notify(NOTIFY_FLAGS);  // the answer says whether the word changed, not what listeners say
+  return true;
+}
+
+bool CvarCore::SetFlags(CVARFLAGS bits, bool on) {
+  return ChangeFlags(on ? m_flags | bits : m_flags & ~static_cast<std::uint32_t>(bits));
+}
+
+bool CvarCore::SetFlags(long word) { return ChangeFlags(static_cast<std::uint32_t>(word)); }
+
+bool CvarCore::ForcePublic(bool on) { return SetFlags(CVARFLAG_PUBLIC, on); }
+
+bool CvarCore::ForcePrivate(bool on) { return SetFlags(CVARFLAG_PRIVATE, on); }
+
+std::wstring CvarCore::GetFlagsString() const { return FlagsString(Flags()); }
+
+HRESULT CvarCore::CoreGetFlagsString(BSTR* text) const {
+  if (text == nullptr) return E_POINTER;
+  return CopyOut(GetFlagsString(), text);
+}
+
+HRESULT CvarCore::CoreGetFlags(long* flags) const {
+  if (flags == nullptr) return E_POINTER;
+  *flags = static_cast<std::int32_t>(m_flags.Get());
+  return S_OK;
+}
+
+HRESULT CvarCore::CoreIsFlagSet(CVARFLAGS bit, int* set) const {
+  if (set == nullptr) return E_POINTER;
+  *set = HasFlag(bit) ? 1 : 0;
+  return S_OK;
+}
+
+// Names
+// --------------------------------------------------------------------------------------------
+
+void CvarCore::SetName(const wchar_t* text) { m_names.Set(TextOrEmpty(text)); }
+
+void CvarCore::InitializeName(const BSTR& memberName) {
+  if (!m_names.Empty()) return;
+  m_names.Set(WithoutFirst(WithoutFirst(std::wstring(TextOrEmpty(memberName)), L"m_cv"), L"m_pcv"));
+}
+
+HRESULT CvarCore::CoreGetName(BSTR* name) const {
+  return name == nullptr ? E_POINTER : m_names.CopyName(name);
+}
+
+HRESULT CvarCore::CoreGetNameRemote(BSTR* name) const {
+  return name == nullptr ? E_POINTER : m_names.CopyRemoteName(name);
+}
+
+HRESULT CvarCore::get_BagAndCvarName(BSTR* name) {
+  if (name == nullptr) return E_POINTER;
+  return CopyOut(BagAndCvarName(GetIVorCvar()), name);
+}
+
+// Help, hints, icon, parent
+// ------------------------------------------------------------------------
+
+void CvarCore::SetHelpStringID(unsigned int id) {
+  if (id == m_helpStringId) return;
+  m_helpStringId = id;
+  (void)Notify(NOTIFY_ATTRIBUTES);  // the operation has no result
+}
+
+HRESULT CvarCore::CoreGetHelpStringID(unsigned int* id) const {
+  if (id == nullptr) return E_POINTER;
+  *id = m_helpStringId;
+  return S_OK;
+}
+
+HRESULT CvarCore::CoreGetHelpString(BSTR* text) {
+  if (text == nullptr) return E_POINTER;
+  std::wstring help;
+  HINSTANCE module = nullptr;
+  if (m_helpStringId != 0 && SUCCEEDED(GetParentModuleInstanceHandle(&module))) {
+    help = L"";
+  }
+  return CopyOut(help, text);
+}
+
+void CvarCore::SetGuiHints(const wchar_t* hints) {
+  const std::wstring_view text = TextOrEmpty(hints);
+  const CvarExtras* const extras = ExtrasIfAny();
+  if (text == (extras == nullptr ? std::wstring_view() : std::wstring_view(extras->guiHints))) {
+    return;
+  }
+  Extras().guiHints = text;
+  (void)Notify(NOTIFY_GUIHINTS);  // the operation has no result
+}
+
+HRESULT CvarCore::CoreGetGuiHints(BSTR* hints) const {
+  if (hints == nullptr) return E_POINTER;
+  const CvarExtras* const extras = ExtrasIfAny();
+  return CopyOut(extras == nullptr ? std::wstring_view() : std::wstring_view(extras->guiHints),
+                 hints);
+}
+
+void CvarCore::SetIcon(unsigned long id) {
+  const CvarExtras* const extras = ExtrasIfAny();
+  if (id == (extras == nullptr ? 0 : extras->iconId)) return;
+  Extras().iconId = id;
+  (void)GetParentModuleInstanceHandle(&Extras().iconModule);  // without a parent there is no module
+  (void)GetIVorCvar()->ForceNotification(NOTIFY_ATTRIBUTES);  // the operation has no result
+}
+
+void CvarCore::SetIcon(unsigned long id, unsigned long module) {
+  const CvarExtras* const extras = ExtrasIfAny();
+  if (extras == nullptr ? id == 0 && module == 0
+                        : id == extras->iconId && ToModule(module) == extras->iconModule) {
+    return;
+  }
+  Extras().iconId = id;
+  Extras().iconModule = ToModule(module);
+  (void)GetIVorCvar()->ForceNotification(NOTIFY_ATTRIBUTES);  // the operation has no result
+}
+
+HRESULT CvarCore::CoreGetIconInfo(unsigned long* id, unsigned long* module) {
+  if (id == nullptr || module == nullptr) return E_INVALIDARG;
+  CvarExtras* const extras = ExtrasIfAny();
+  *id = 0;
+  *module = 0;
+  if (extras == nullptr) return S_OK;
+  if (extras->iconModule == nullptr && extras->iconId != 0) {
+    (void)GetParentModuleInstanceHandle(&extras->iconModule);  // no module is no failure here
+  }
+  *id = extras->iconId;
+  *module = ToNumber(extras->iconModule);
+  return S_OK;
+}
+
+IUnknown* CvarCore::GetParent() { return nullptr; }
+
+void CvarCore::SetParent(IUnknown*) {}
+
+HRESULT CvarCore::CoreGetParent(IUnknown** parent) {
+  if (parent == nullptr) return E_POINTER;
+  *parent = nullptr;
+  IUnknown* const container = GetParent();
+  if (container == nullptr) return OLE_E_BLANK;
+  CComPtr<CvarBag> bag;
+  if (FAILED(container->QueryInterface(IID_CvarBag, reinterpret_cast<void**>(&bag))) ||
+      FAILED(bag->QueryInterface(IID_IUnknown, reinterpret_cast<void**>(parent)))) {
+    return OLE_E_BLANK;
+  }
+  return S_OK;
+}
+
+HRESULT CvarCore::GetParentModuleInstanceHandle(HINSTANCE* module) {
+  if (module == nullptr) return E_POINTER;
+  *module = nullptr;
+  CComPtr<IUnknown> parent;
+  HRESULT result = GetIVorCvar()->get_Parent(&parent);
+  if (FAILED(result)) return result;
+  CComPtr<CvarBag> bag;
+  result = parent->QueryInterface(IID_CvarBag, reinterpret_cast<void**>(&bag));
+  if (FAILED(result)) return result;
+  return bag->GetModuleInstanceHandle(module);
+}
+
+// Properties
+// ---------------------------------------------------------------------------------------
+
+void CvarCore::CoreFillProperties(PropertiesMap& map, const wchar_t* typeName) {
+  ScopedLock guard(m_lock);
+  IVorCvar* const cvar = GetIVorCvar();
+  CComBSTR help;
+  (void)cvar->get_HelpString(&help);  // no help is the empty text
+  unsigned long iconId = 0;
+  unsigned long iconModule = 0;
+  (void)cvar->GetIconInfo(&iconId, &iconModule);  // fails for null pointers only
+  CComBSTR hints;
+  (void)cvar->GetGuiHints(&hints);  // fails for null pointers only
+
+  map.SetText(L"Type", TextOrEmpty(typeName));
+  map.SetText(L"Name", m_names.Name());
+  map.Set(L"Flags", CComVariant(static_cast<int>(m_flags.Get())));
+  map.SetText(L"FlagsString", GetFlagsString());
+  map.SetText(L"HelpString", BstrView(help));
+  map.SetText(L"GuiHints", BstrView(hints));
+  CComVariant id;
+  id.vt = VT_UI4;
+  id.ulVal = static_cast<ULONG>(iconId);
+  map.Set(L"IconID", std::move(id));
+  map.Set(L"IconModuleInstance", CComVariant(static_cast<int>(iconModule)));
+}
+
+HRESULT CvarCore::CoreAutomationText(BSTR* text) {
+  if (text == nullptr) return E_POINTER;
+  CComVariant value;
+  HRESULT result = GetIVorCvar()->get_Value(&value);
+  if (SUCCEEDED(result)) {
+    result =
+        VariantChangeTypeEx(&value, &value, LOCALE_ENGLISH_US, VARIANT_NOUSEROVERRIDE, VT_BSTR);
+  }
+  if (SUCCEEDED(result)) return CopyOut(BstrView(value.bstrVal), text);
+  const HRESULT copied = CopyOut(L"", text);
+  return FAILED(copied) ? copied : result;
+}
+
+}  // namespace cvars

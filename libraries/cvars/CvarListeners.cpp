@@ -1,0 +1,237 @@
+#include "CvarListeners.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <new>
+
+#include "CComPtr.h"
+
+namespace cvars {
+
+using platform::RecursiveLock;
+using platform::ScopedLock;
+
+namespace {
+
+constexpr std::uint64_t kTake = 1;
+constexpr unsigned kDepthShift = 10;
+constexpr unsigned kBlockShift = 20;
+constexpr std::uint64_t kDepth = std::uint64_t{1} << kDepthShift;
+constexpr std::uint64_t kTakenMask = kDepth - 1;
+constexpr std::uint64_t kDepthMask = ((std::uint64_t{1} << kBlockShift) - 1) & ~kTakenMask;
+
+}  // namespace
+
+// Sinks first, then the identity of each; both arrays have room for `capacity`.
+struct alignas(16) CvarListeners::Block {
+  std::atomic<std::int64_t> out{0};  // snapshots taken minus those given back, once it is replaced
+  std::atomic<std::uint32_t> count{0};
+  std::uint32_t capacity = 0;
+
+  IVorCvarEventSink** Sinks() noexcept { return reinterpret_cast<IVorCvarEventSink**>(this + 1); }
+  IUnknown** Identities() noexcept { return reinterpret_cast<IUnknown**>(Sinks() + capacity); }
+
+  static Block* Make(std::uint32_t capacity) {
+    const std::size_t bytes = sizeof(Block) + std::size_t{capacity} * 2 * sizeof(void*);
+    void* memory = std::malloc(bytes);
+    if (memory == nullptr) throw std::bad_alloc();
+    Block* block = new (memory) Block;
+    block->capacity = capacity;
+    return block;
+  }
+
+  // A block that is left goes with its references.
+  static void Destroy(Block* block) noexcept {
+    if (block == nullptr) return;
+    const std::uint32_t count = block->count.load(std::memory_order_relaxed);
+    for (std::uint32_t i = 0; i < count; ++i) block->Sinks()[i]->Release();
+    block->~Block();
+    std::free(block);
+  }
+
+  void Append(IVorCvarEventSink* sink, IUnknown* identity) noexcept {
+    const std::uint32_t index = count.load(std::memory_order_relaxed);
+    Sinks()[index] = sink;
+    Identities()[index] = identity;
+    count.store(index + 1, std::memory_order_seq_cst);
+  }
+
+  // From the end: what was attached last is detached first as a rule.
+  std::uint32_t Find(IUnknown* identity) noexcept {
+    IUnknown** const all = Identities();
+    const std::uint32_t n = count.load(std::memory_order_relaxed);
+    std::uint32_t i = n;
+    for (; i >= 4; i -= 4) {
+      const bool here = (all[i - 1] == identity) | (all[i - 2] == identity) |
+                        (all[i - 3] == identity) | (all[i - 4] == identity);
+      if (here) break;
+    }
+    for (; i > 0; --i) {
+      if (all[i - 1] == identity) return i - 1;
+    }
+    return n;
+  }
+};
+
+CvarListeners::Block* CvarListeners::BlockOf(std::uint64_t word) noexcept {
+  return reinterpret_cast<Block*>((word >> kBlockShift) << 4);
+}
+
+CvarListeners::~CvarListeners() {
+  if (Block* block = BlockOf(m_word.load(std::memory_order_acquire))) Block::Destroy(block);
+}
+
+// Puts another block in place of the current one. Gives the old one when the caller is to destroy
+// it, once its locks are left; otherwise the last snapshot that is given back does. Once there was
+// a block there always is one, so that a snapshot taken before the first can tell.
+CvarListeners::Block* CvarListeners::Replace(Block* block) noexcept {
+  const std::uint64_t address = (reinterpret_cast<std::uintptr_t>(block) >> 4) << kBlockShift;
+  std::uint64_t word = m_word.load(std::memory_order_relaxed);
+  while (!m_word.compare_exchange_weak(word, address | (word & kDepthMask),
+                                       std::memory_order_acq_rel, std::memory_order_relaxed)) {
+  }
+  Block* const old = BlockOf(word);
+  if (old == nullptr) return nullptr;
+  const auto taken = static_cast<std::int64_t>(word & kTakenMask);
+  return old->out.fetch_add(taken, std::memory_order_acq_rel) + taken == 0 ? old : nullptr;
+}
+
+HRESULT CvarListeners::Attach(IUnknown* sink, RecursiveLock& lock) {
+  if (sink == nullptr) return E_POINTER;
+  CComPtr<IUnknown> identity;
+  if (FAILED(sink->QueryInterface(IID_IUnknown, reinterpret_cast<void**>(&identity)))) {
+    return E_INVALIDARG;
+  }
+  CComPtr<IVorCvarEventSink> listener;
+  (void)sink->QueryInterface(IID_IVorCvarEventSink, reinterpret_cast<void**>(&listener));
+
+  Block* replaced = nullptr;
+  {
+    ScopedLock guard(lock);
+    const std::uint64_t word = m_word.load(std::memory_order_acquire);
+    Block* const block = BlockOf(word);
+    const std::uint32_t count = block == nullptr ? 0 : block->count.load(std::memory_order_relaxed);
+    if (block != nullptr && block->Find(identity) != count) return S_OK;
+    if (listener == nullptr) return E_INVALIDARG;
+
+    // While no snapshot is out the block may grow in place: one taken from now on reads its own
+    // count.
+    if (block != nullptr && count < block->capacity && (word & kTakenMask) == 0) {
+      block->Append(listener.Detach(), identity);
+      return S_OK;
+    }
+    Block* const larger = Block::Make(count == 0 ? 1 : std::max(count + 1, count + count / 2));
+    for (std::uint32_t i = 0; i < count; ++i) {
+      block->Sinks()[i]->AddRef();
+      larger->Append(block->Sinks()[i], block->Identities()[i]);
+    }
+    larger->Append(listener.Detach(), identity);
+    replaced = Replace(larger);
+  }
+  Block::Destroy(replaced);
+  return S_OK;
+}
+
+HRESULT CvarListeners::Detach(IUnknown* sink, RecursiveLock& lock) {
+  if (sink == nullptr) return E_POINTER;
+  CComPtr<IUnknown> identity;
+  if (FAILED(sink->QueryInterface(IID_IUnknown, reinterpret_cast<void**>(&identity)))) {
+    return E_INVALIDARG;
+  }
+  CComPtr<IVorCvarEventSink> removed;
+  Block* replaced = nullptr;
+  {
+    ScopedLock guard(lock);
+    Block* const block = BlockOf(m_word.load(std::memory_order_acquire));
+    if (block == nullptr) return E_INVALIDARG;
+    const std::uint32_t count = block->count.load(std::memory_order_relaxed);
+    const std::uint32_t index = block->Find(identity);
+    if (index == count) return E_INVALIDARG;
+
+    if (index == count - 1) {
+      // Shorten first, look for snapshots second: one taken in between already has the new count.
+      block->count.store(count - 1, std::memory_order_seq_cst);
+      if ((m_word.load(std::memory_order_seq_cst) & kTakenMask) == 0) {
+        removed.Attach(block->Sinks()[index]);
+        return S_OK;
+      }
+      block->count.store(count, std::memory_order_seq_cst);
+    }
+    Block* const smaller = Block::Make(std::max(count - 1, 1u));
+    for (std::uint32_t i = 0; i < count; ++i) {
+      if (i == index) continue;
+      block->Sinks()[i]->AddRef();
+      smaller->Append(block->Sinks()[i], block->Identities()[i]);
+    }
+    removed = block->Sinks()[index];
+    replaced = Replace(smaller);
+  }
+  Block::Destroy(replaced);
+  return S_OK;
+}
+
+std::uint32_t CvarListeners::Count(RecursiveLock& lock) const {
+  ScopedLock guard(lock);
+  Block* const block = BlockOf(m_word.load(std::memory_order_acquire));
+  return block == nullptr ? 0 : block->count.load(std::memory_order_relaxed);
+}
+
+IVorCvarEventSink* CvarListeners::At(long index, RecursiveLock& lock) const {
+  ScopedLock guard(lock);
+  Block* const block = BlockOf(m_word.load(std::memory_order_acquire));
+  if (block == nullptr || index < 0 ||
+      index >= static_cast<long>(block->count.load(std::memory_order_relaxed))) {
+    return nullptr;
+  }
+  IVorCvarEventSink* const sink = block->Sinks()[index];
+  sink->AddRef();
+  return sink;
+}
+
+void CvarListeners::DetachAll(RecursiveLock& lock) {
+  Block* replaced = nullptr;
+  {
+    ScopedLock guard(lock);
+    replaced = Replace(nullptr);
+  }
+  Block::Destroy(replaced);
+}
+
+CvarListeners::Snapshot::Snapshot(CvarListeners& listeners) noexcept
+    : m_listeners(listeners),
+      m_word(listeners.m_word.fetch_add(kDepth + kTake, std::memory_order_seq_cst) + kDepth +
+             kTake) {
+  m_block = BlockOf(m_word);
+  m_depth = static_cast<std::uint32_t>((m_word & kDepthMask) >> kDepthShift);
+  if (m_block != nullptr) {
+    m_count = m_block->count.load(std::memory_order_seq_cst);
+    m_begin = m_block->Sinks();
+  }
+}
+
+CvarListeners::Snapshot::~Snapshot() {
+  if (!m_listeners.m_word.compare_exchange_strong(
+          m_word, m_word - kDepth - kTake, std::memory_order_acq_rel, std::memory_order_relaxed)) {
+    m_listeners.GiveBackSlowly(m_block);
+  }
+}
+
+// The word changed since the snapshot was taken: by other notifications, or because the block was
+// replaced, in which case the block itself counts its snapshots.
+void CvarListeners::GiveBackSlowly(Block* block) noexcept {
+  std::uint64_t word = m_word.load(std::memory_order_relaxed);
+  for (;;) {
+    const bool current = BlockOf(word) == block;
+    const std::uint64_t next = word - kDepth - (current ? kTake : 0);
+    if (!m_word.compare_exchange_weak(word, next, std::memory_order_acq_rel,
+                                      std::memory_order_relaxed)) {
+      continue;
+    }
+    if (!current && block != nullptr && block->out.fetch_sub(1, std::memory_order_acq_rel) == 1) {
+      Block::Destroy(block);
+    }
+    return;
+  }
+}
+
+}  // namespace cvars

@@ -1,0 +1,208 @@
+#pragma once
+
+#include <atomic>
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+#include "CvarBaseCpp.h"
+#include "CvarListeners.h"
+#include "CvarNames.h"
+#include "Export.h"
+#include "IVorCvar.h"
+#include "PropertiesMap.h"
+#include "Relaxed.h"
+#include "platform/RecursiveLock.h"
+
+namespace cvars {
+
+class CvarExtras;
+
+/// What all cvars share whatever their value: identity, names, flags, help, icon, hints, parent,
+/// listeners and notifications. Compiled once; IVorCvarImpl adds what depends on the value.
+///
+/// Names, flags, help, icon and hints are plain state that the owner's thread writes; only the
+/// listeners are guarded by the object lock, which is never held while a listener, a parent or a
+/// component runs.
+class CVARS_API CvarCore : public CvarBaseCpp {
+ public:
+  // Reference count -------------------------------------------------------------------------
+
+  ULONG AddReference() noexcept { return m_references.fetch_add(1, std::memory_order_relaxed) + 1; }
+  /// Gives a reference back; the last one runs FinalRelease and destroys the cvar.
+  ULONG ReleaseReference();
+  /// Adds a reference unless the last one is already gone.
+  bool TryAddReference() noexcept;
+
+  // Native-side table -----------------------------------------------------------------------
+
+  int SuspendNotifications(int suspend) override;
+  bool SetFlags(CVARFLAGS bits, bool on) override;
+  bool ForcePublic(bool on) override;
+  bool ForcePrivate(bool on) override;
+
+  // Identity and metadata ----------------------------------------------------------------------
+
+  /// Replaces the whole flags word. Sets NOTIFY_FLAGS when it changes.
+  /// @return whether the word changed
+  bool SetFlags(long word);
+  bool SetFlags(CVARFLAGS bits) =
+      delete;  // say whether bits are set, cleared, or are the whole word
+  bool SetReadOnly(int on) { return SetFlags(CVARFLAG_READONLY, on != 0); }
+  bool SetHidden(int on) { return SetFlags(CVARFLAG_HIDDEN, on != 0); }
+  bool SetWrapping(int on) { return SetFlags(CVARFLAG_WRAPPING, on != 0); }
+  bool SetGrayed(int on) { return SetFlags(CVARFLAG_GRAYED, on != 0); }
+  /// One letter for each set flag, "-" for none.
+  std::wstring GetFlagsString() const;
+  CVARFLAGS Flags() const noexcept { return static_cast<CVARFLAGS>(m_flags.Get()); }
+  bool HasFlag(CVARFLAGS bits) const noexcept { return (m_flags.Get() & bits) != 0; }
+
+  /// Names the cvar by the name rule when its name is empty: "m_cvTimebase" gives "Timebase".
+  void InitializeName(const BSTR& memberName);
+  /// Sets both names by the name rule. @param text  copied; null reads as empty.
+  void SetName(const wchar_t* text);
+  /// "%s.%s" of the parent's name and the cvar's name.
+  HRESULT get_BagAndCvarName(BSTR* name);
+
+  /// Sets NOTIFY_ATTRIBUTES on a change.
+  void SetHelpStringID(unsigned int id);
+  /// Sets NOTIFY_GUIHINTS on a change. @param hints  copied; null reads as empty.
+  void SetGuiHints(const wchar_t* hints);
+  /// Sets the icon from the parent's module. Sets NOTIFY_ATTRIBUTES when the icon ID changes.
+  void SetIcon(unsigned long id);
+  /// Sets the icon from a module. Sets NOTIFY_ATTRIBUTES on a change.
+  void SetIcon(unsigned long id, unsigned long module);
+
+  /// The container that holds the cvar. @return borrowed; null when there is none.
+  virtual IUnknown* GetParent();
+  /// Tells the cvar its container; the base keeps none. @param parent  weak
+  virtual void SetParent(IUnknown* parent);
+  /// Module that made the parent. @retval OLE_E_BLANK  no parent, or one that is no bag
+  HRESULT GetParentModuleInstanceHandle(HINSTANCE* module);
+
+  CVARREPLICATIONFLAGS ReplicationFlags() const noexcept {
+    return static_cast<CVARREPLICATIONFLAGS>(m_replicationFlags.Get());
+  }
+  /// Says what the cvar copies from a source; tells nobody.
+  void SetReplicationFlags(CVARREPLICATIONFLAGS flags) noexcept { m_replicationFlags = flags; }
+
+  // Notification -------------------------------------------------------------------------------
+
+  /// Sends what is pending to the listeners, in the order of their attachment.
+  ///
+  /// Nothing happens while nothing is pending, or while notifications are suspended and
+  /// `evenIfSuspended` is false. The pending kinds are taken before the first listener is called; a
+  /// listener attached meanwhile is not called this time. A listener that throws, or that faults
+  /// while the host has a fault filter, counts as E_FAIL. Twenty nested notifications are reported
+  /// once and mute the cvar for good.
+  /// @return the last failure, else the last success code that is not S_OK, else S_OK
+  HRESULT NotifyClients(NOTIFYCLIENTS which, bool evenIfSuspended) {
+    if (!evenIfSuspended && m_suspensions.load(std::memory_order_relaxed) != 0) return 0;
+    if (m_pending.Empty()) return 0;
+    if (m_listeners.Empty()) {
+      m_pending.Clear();
+      return 0;
+    }
+    return SendPending(which);
+  }
+
+  /// Forgets every kind of change that waits to be sent.
+  void ForgetPending() noexcept { m_pending.Clear(); }
+
+  /// What runs when the last reference goes: ends replication, releases the listeners.
+  void FinalRelease();
+
+ protected:
+  CvarCore() noexcept;
+  ~CvarCore();
+
+  /// Destroys the object, after FinalRelease.
+  virtual void Destroy() = 0;
+
+  /// Marks kinds of change as pending.
+  void AddPending(NOTIFYTYPE what) noexcept { m_pending.Add(what); }
+  /// Marks kinds of change as pending and sends them.
+  HRESULT Notify(NOTIFYTYPE what) {
+    m_pending.Add(what);
+    return NotifyClients(NOTIFY_ALL_CLIENTS, false);
+  }
+  /// Sends NOTIFY_LATEUPDATE to the first listener when the cvar asks for late updates.
+  ///
+  /// A first listener that reads the value from inside its own call starts the next one.
+  void SendLateUpdate();
+
+  /// Stores the help string ID and marks NOTIFY_ATTRIBUTES pending when it differs; tells nobody.
+  void StoreHelpStringID(unsigned int id) noexcept {
+    if (id == m_helpStringId) return;
+    m_helpStringId = id;
+    m_pending.Add(NOTIFY_ATTRIBUTES);
+  }
+
+  bool NotificationsSuspended() const noexcept {
+    return m_suspensions.load(std::memory_order_relaxed) != 0;
+  }
+
+  // What the interface operations of the same names do.
+  HRESULT CoreGetName(BSTR* name) const;
+  HRESULT CoreGetNameRemote(BSTR* name) const;
+  HRESULT CoreGetFlags(long* flags) const;
+  HRESULT CoreIsFlagSet(CVARFLAGS bit, int* set) const;
+  HRESULT CoreGetHelpStringID(unsigned int* id) const;
+  HRESULT CoreGetHelpString(BSTR* text);
+  HRESULT CoreGetGuiHints(BSTR* hints) const;
+  HRESULT CoreGetParent(IUnknown** parent);
+  HRESULT CoreGetIconInfo(unsigned long* id, unsigned long* module);
+  HRESULT CoreGetFlagsString(BSTR* text) const;
+  HRESULT CoreAttach(IUnknown* sink) { return m_listeners.Attach(sink, m_lock); }
+  HRESULT CoreDetach(IUnknown* sink) { return m_listeners.Detach(sink, m_lock); }
+  HRESULT CoreGetEventSinkCount(long* count) const;
+  HRESULT CoreGetEventSink(long index, IUnknown** sink) const;
+  /// Adds "Type", "Name", "Flags", "FlagsString", "HelpString", "GuiHints", "IconID" and
+  /// "IconModuleInstance", under the object lock.
+  void CoreFillProperties(PropertiesMap& map, const wchar_t* typeName);
+  /// The automation text of a cvar: the conversion of its get_Value to text.
+  HRESULT CoreAutomationText(BSTR* text);
+
+  /// The replica's reaction to a change of its source: copies what the replication flags ask for.
+  HRESULT CoreReactToSource(IVorCvar* source, NOTIFYTYPE what);
+  /// Fits the request to the range again and sends what is pending.
+  virtual HRESULT UpdateAdaptedValueAndNotify() = 0;
+
+  mutable platform::RecursiveLock m_lock;
+
+ private:
+  HRESULT SendPending(NOTIFYCLIENTS which);
+  void ReportRecursion();
+  HRESULT ReportReplicaFailure(HRESULT result, int line);
+  bool ChangeFlags(std::uint32_t word);
+  CvarExtras& Extras();
+  CvarExtras* ExtrasIfAny() const noexcept { return m_extras.load(std::memory_order_acquire); }
+
+  std::atomic<std::uint32_t> m_references{0};
+  std::atomic<std::int32_t> m_suspensions{0};
+  CvarNames m_names;
+  CvarListeners m_listeners;
+  Relaxed<std::uint32_t> m_flags{0};
+  Relaxed<std::uint32_t> m_helpStringId{0};
+  Relaxed<std::uint32_t> m_replicationFlags{REPLICATE_VALUE | REPLICATE_REQUESTED};
+  std::atomic<bool> m_recursionReported{false};
+  std::atomic<CvarExtras*> m_extras{nullptr};  // owned; made when first needed
+};
+
+/// What an Initialize runs in: suspends notifications, and forgets at its end what gathered, so
+/// that configuring a cvar tells nobody.
+class SilentScope {
+ public:
+  explicit SilentScope(CvarCore& cvar) : m_cvar(cvar) { m_cvar.SuspendNotifications(1); }
+  ~SilentScope() {
+    m_cvar.ForgetPending();
+    m_cvar.SuspendNotifications(0);
+  }
+  SilentScope(const SilentScope&) = delete;
+  SilentScope& operator=(const SilentScope&) = delete;
+
+ private:
+  CvarCore& m_cvar;
+};
+
+}  // namespace cvars

@@ -1,0 +1,226 @@
+#pragma once
+
+#include <cmath>
+#include <cstdint>
+#include <type_traits>
+
+#include "CComBSTR.h"
+#include "CComVariant.h"
+#include "CvarCore.h"
+#include "CvarText.h"
+#include "IVorCvar.h"
+#include "IVorCvarEventSink.h"
+
+/// {5B1F0C52-7C34-4E0B-8A5E-2E7B51D8C6A4}: the native side of a cvar of this library.
+inline constexpr IID IID_CvarCore = {
+    0x5B1F0C52, 0x7C34, 0x4E0B, {0x8A, 0x5E, 0x2E, 0x7B, 0x51, 0xD8, 0xC6, 0xA4}};
+
+namespace cvars {
+
+/// The variant that carries a value of a cvar.
+inline CComVariant ToVariant(double value) { return CComVariant(value); }
+inline CComVariant ToVariant(int value) { return CComVariant(value); }
+inline CComVariant ToVariant(std::int64_t value) {
+  CComVariant variant;
+  variant.vt = VT_I8;
+  variant.llVal = value;
+  return variant;
+}
+inline CComVariant ToVariant(unsigned int value) {
+  CComVariant variant;
+  variant.vt = VT_UI4;
+  variant.ulVal = value;
+  return variant;
+}
+inline CComVariant ToVariant(const CComBSTR& value) { return CComVariant(value); }
+/// A cvar without a value.
+inline CComVariant ToVariant(char) { return CComVariant(); }
+
+}  // namespace cvars
+
+/// The template base of every cvar class.
+///
+/// It holds the values of the cvar and answers the common interface; the concrete class gives the
+/// value its rules: its adaptation, its texts, its range and its properties.
+///
+/// @tparam T          the concrete class; its `kTypeName` (null for none) is the cvar's type name.
+/// @tparam Interface  the typed interface that the class offers, derived from IVorCvar.
+/// @tparam ValueType  type of the value: double, int, a 64-bit integer, CComBSTR, or char for a
+///                    cvar without one.
+///
+/// The object itself, with its reference count and the ways to its interfaces, is completed by the
+/// client kit's CvarObject.
+template <class T, class Interface, class ValueType>
+class CVARS_API IVorCvarImpl : public Interface, public cvars::CvarCore, public IVorCvarEventSink {
+ public:
+  using Interface_t = Interface;
+  using Value_t = ValueType;
+
+  HRESULT QueryInterface(REFIID iid, void** object) override = 0;
+  ULONG AddRef() override = 0;
+  ULONG Release() override = 0;
+
+  /// Finds an interface of the cvar. @return borrowed; null when it is not offered
+  virtual void* FindInterface(REFIID iid) {
+    if (iid == IID_IUnknown || iid == IID_IDispatch || iid == IID_IVorCvar ||
+        iid == cvars::InterfaceId<Interface>::value) {
+      return static_cast<Interface*>(this);
+    }
+    if (iid == IID_IVorCvarEventSink) return static_cast<IVorCvarEventSink*>(this);
+    if (iid == IID_CvarCore) return static_cast<cvars::CvarCore*>(this);
+    return nullptr;
+  }
+
+  IVorCvar* GetIVorCvar() override { return this; }
+
+  // Common interface: identity and metadata ------------------------------------------------------
+
+  HRESULT get_Name(BSTR* name) override { return CoreGetName(name); }
+  HRESULT get_NameRemote(BSTR* name) override { return CoreGetNameRemote(name); }
+  HRESULT get_Type(BSTR* name) override {
+    if (name == nullptr) return E_POINTER;
+    *name = nullptr;
+    return T::kTypeName == nullptr ? S_OK : cvars::CopyOut(T::kTypeName, name);
+  }
+  HRESULT get_Flags(long* flags) override { return CoreGetFlags(flags); }
+  HRESULT GetFlagsString(BSTR* text) override { return CoreGetFlagsString(text); }
+  using CvarCore::GetFlagsString;
+  HRESULT IsReadOnly(int* readOnly) override { return CoreIsFlagSet(CVARFLAG_READONLY, readOnly); }
+  HRESULT IsHidden(int* hidden) override { return CoreIsFlagSet(CVARFLAG_HIDDEN, hidden); }
+  HRESULT IsGuiOnly(int* guiOnly) override { return CoreIsFlagSet(CVARFLAG_GUIONLY, guiOnly); }
+  HRESULT IsNonvolatile(int* kept) override { return CoreIsFlagSet(CVARFLAG_NONVOLATILE, kept); }
+  HRESULT get_HelpStringID(unsigned int* id) override { return CoreGetHelpStringID(id); }
+  HRESULT get_HelpString(BSTR* text) override { return CoreGetHelpString(text); }
+  HRESULT GetGuiHints(BSTR* hints) override { return CoreGetGuiHints(hints); }
+  HRESULT GetIconInfo(unsigned long* id, unsigned long* module) override {
+    return CoreGetIconInfo(id, module);
+  }
+  HRESULT get_Parent(IUnknown** parent) override { return CoreGetParent(parent); }
+
+  // Common interface: listeners ----------------------------------------------------------------
+
+  HRESULT AttachCvarEventSink(IUnknown* sink) override { return CoreAttach(sink); }
+  HRESULT DetachCvarEventSink(IUnknown* sink) override { return CoreDetach(sink); }
+  HRESULT get_EventSinkCount(long* count) override { return CoreGetEventSinkCount(count); }
+  HRESULT get_EventSink(long index, IUnknown** sink) override {
+    return CoreGetEventSink(index, sink);
+  }
+  HRESULT ForceNotification(NOTIFYTYPE what) override { return Notify(what); }
+  HRESULT OnCvarNotify(IVorCvar* source, NOTIFYTYPE what) override {
+    return CoreReactToSource(source, what);
+  }
+
+  // Common interface: values and texts, as a class has them that says nothing else
+  // -----------------
+
+  HRESULT IsDefault(int* isDefault) override {
+    if (isDefault == nullptr) return E_POINTER;
+    *isDefault = Equal(m_adapted, m_default) ? 1 : 0;
+    return S_OK;
+  }
+  HRESULT get_IsValueAdapted(int* adapted) override {
+    if (adapted == nullptr) return E_POINTER;
+    *adapted = Equal(m_requested, m_adapted) ? 0 : 1;
+    return S_OK;
+  }
+  HRESULT GetRequestedVariantValue(VARIANT* value) override { return GetRequestedValue(value); }
+  HRESULT GetAdaptedValueStringRemoteNoUnit(BSTR* text) override {
+    return this->GetAdaptedValueStringRemote(text);
+  }
+  HRESULT SetRequestedValueFromStringScreen(const wchar_t* text) override {
+    return this->SetRequestedValueFromString(text);
+  }
+  HRESULT SetRequestedValueFromStringRemote(const wchar_t* text) override {
+    return this->SetRequestedValueFromString(text);
+  }
+  HRESULT get_Range(BSTR* text) override { return cvars::CopyOut(L"n/a", text); }
+  HRESULT get_RangeStringScreen(BSTR* text) override { return this->get_Range(text); }
+  HRESULT get_RangeStringRemote(BSTR* text) override { return this->get_Range(text); }
+  HRESULT get_RangeStringAutomation(BSTR* text) override { return this->get_Range(text); }
+  HRESULT GetAdaptedValueStringAutomation(BSTR* text) override { return CoreAutomationText(text); }
+  HRESULT SetToMin() override { return E_NOTIMPL; }
+  HRESULT SetToMax() override { return E_NOTIMPL; }
+  HRESULT Dummy4(VARIANT, VARIANT*) override { return E_NOTIMPL; }
+  HRESULT get_Signature(BSTR* text) override { return cvars::CopyOut(L"notimpl", text); }
+  HRESULT GetSignature(VARIANT* properties) override {
+    if (properties == nullptr) return E_POINTER;
+    (void)VariantClear(properties);
+    cvars::PropertiesMap map;
+    const HRESULT filled = FillCvarPropertiesMap(map);
+    return FAILED(filled) ? filled : map.MoveToArray(properties);
+  }
+
+  using Interface::GetAdaptedValueNorm;
+
+  // Native side
+  // -------------------------------------------------------------------------------------
+
+  /// The adapted value.
+  virtual ValueType GetAdaptedValue() { return m_adapted; }
+  operator ValueType() { return GetAdaptedValue(); }  // NOLINT: a cvar reads as its value
+
+  HRESULT GetAdaptedValue(ValueType* value) { return CopyField(m_adapted, value); }
+  HRESULT GetDefaultValue(ValueType* value) { return CopyField(m_default, value); }
+  HRESULT GetRequestedValue(ValueType* value) { return CopyField(m_requested, value); }
+  /// @param[out] value  cleared, then the requested value; caller frees.
+  HRESULT GetRequestedValue(VARIANT* value) {
+    if (value == nullptr) return E_POINTER;
+    (void)VariantClear(value);
+    return cvars::ToVariant(static_cast<ValueType>(m_requested)).Detach(value);
+  }
+
+  virtual HRESULT Dummy1() { return E_NOTIMPL; }
+  virtual HRESULT Dummy3(VARIANT*) { return E_NOTIMPL; }
+
+  /// Fits the request to the range, and tells the listeners what changed. Sets NOTIFY_VALUE when
+  /// the adapted value changed.
+  HRESULT UpdateAdaptedValueAndNotify() override = 0;
+
+ protected:
+  IVorCvarImpl() = default;
+  ~IVorCvarImpl() = default;
+
+  /// Sends a late update when the cvar asks for it; runs before a typed read of the value.
+  virtual void PerformLateUpdate() { SendLateUpdate(); }
+
+  /// Adds the cvar's entries to the map; a typed class calls this one and adds its own.
+  /// @return a failure when a value could not be made; its entry then holds the code
+  virtual HRESULT FillCvarPropertiesMap(cvars::PropertiesMap& map) {
+    CoreFillProperties(map, T::kTypeName);
+    return S_OK;
+  }
+
+  /// Position of a value in a range: (value - min) / (max - min).
+  ///
+  /// A negative or undefined span counts as 1. A span of 0 is divided by as it stands, so the
+  /// position then is infinite or not a number.
+  HRESULT GetAdaptedValueNorm(double* position, double value, double min, double max) {
+    if (position == nullptr) return E_POINTER;
+    double span = max - min;
+    if (!(span >= 0)) span = 1.0;
+    *position = (value - min) / span;
+    return S_OK;
+  }
+  /// A number that threads may read at any time, a text as it is.
+  using Field =
+      std::conditional_t<std::is_arithmetic_v<ValueType>, cvars::Relaxed<ValueType>, ValueType>;
+
+  Field m_adapted{};
+  Field m_default{};
+  Field m_requested{};
+
+ private:
+  static bool Equal(const Field& a, const Field& b) {
+    if constexpr (std::is_arithmetic_v<ValueType>) {
+      return a.Get() == b.Get();
+    } else {
+      return a == b;
+    }
+  }
+
+  static HRESULT CopyField(const Field& field, ValueType* value) {
+    if (value == nullptr) return E_POINTER;
+    *value = field;
+    return S_OK;
+  }
+};
