@@ -1,7 +1,6 @@
 #pragma once
 
 #include <atomic>
-#include <system_error>
 
 #include "CComPtr.h"
 #include "Export.h"
@@ -83,11 +82,7 @@ class ClassFactory final : public Component<Offers<IClassFactory, IID_IClassFact
     *object = nullptr;
     if (outer != nullptr) return CLASS_E_NOAGGREGATION;
     CComPtr<Made> made;
-    try {
-      made.Attach(new Made);
-    } catch (const std::system_error&) {
-      return E_FAIL;  // the system refused what the object needs: a thread, say
-    }
+    made.Attach(new Made);
     return made->QueryInterface(iid, object);
   }
   HRESULT LockServer(int) override { return S_OK; }  // modules stay loaded anyway

@@ -253,7 +253,7 @@ std::wstring FormatReal(double value, int precision) {
   std::string text;
   if (exponent >= precision || decimals > precision) {
     text = digits.substr(0, 1);
-    if (count > 1) text += "." + digits.substr(1);
+    if (count > 1) text.append(1, '.').append(digits, 1);
     const std::string power = std::to_string(std::abs(exponent));
     text += exponent < 0 ? "E-" : "E+";
     if (power.size() < 2) text += '0';
@@ -264,7 +264,7 @@ std::wstring FormatReal(double value, int precision) {
     const auto whole = static_cast<std::size_t>(exponent) + 1;
     if (digits.size() < whole) digits.append(whole - digits.size(), '0');
     text = digits.substr(0, whole);
-    if (digits.size() > whole) text += "." + digits.substr(whole);
+    if (digits.size() > whole) text.append(1, '.').append(digits, whole);
   }
   return Widen((value < 0 ? "-" : "") + text);
 }
