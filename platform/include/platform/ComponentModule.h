@@ -1,6 +1,7 @@
 #pragma once
 
 #include <atomic>
+#include <system_error>
 
 #include "CComPtr.h"
 #include "Export.h"
@@ -82,7 +83,11 @@ class ClassFactory final : public Component<Offers<IClassFactory, IID_IClassFact
     *object = nullptr;
     if (outer != nullptr) return CLASS_E_NOAGGREGATION;
     CComPtr<Made> made;
-    made.Attach(new Made);
+    try {
+      made.Attach(new Made);
+    } catch (const std::system_error&) {
+      return E_FAIL;  // the system refused what the object needs: a thread, say
+    }
     return made->QueryInterface(iid, object);
   }
   HRESULT LockServer(int) override { return S_OK; }  // modules stay loaded anyway
