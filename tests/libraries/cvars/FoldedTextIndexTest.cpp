@@ -1,0 +1,91 @@
+#include "FoldedTextIndex.h"
+
+#include <gtest/gtest.h>
+
+#include <map>
+#include <string>
+
+#include "Randomness.h"
+#include "TextCase.h"
+
+namespace {
+
+using cvars::FoldedTextIndex;
+
+TEST(FoldedTextIndexTest, FindsNothingWhileEmpty) {
+  FoldedTextIndex index;
+  EXPECT_EQ(FoldedTextIndex::kNone, index.Find(L""));
+  EXPECT_EQ(FoldedTextIndex::kNone, index.Find(L"AC"));
+}
+
+TEST(FoldedTextIndexTest, AnyCaseFinds) {
+  FoldedTextIndex index;
+  index.Add(L"Dc 50 \u00e4", 7);
+  EXPECT_EQ(7, index.Find(L"dC 50 \u00c4"));
+  EXPECT_EQ(FoldedTextIndex::kNone, index.Find(L"Dc 50"));
+  EXPECT_EQ(FoldedTextIndex::kNone, index.Find(L"Dc 50 \u00e4 "));
+}
+
+TEST(FoldedTextIndexTest, TheFirstNumberStays) {
+  FoldedTextIndex index;
+  index.Add(L"ac", 1);
+  index.Add(L"AC", 2);
+  EXPECT_EQ(1, index.Find(L"Ac"));
+}
+
+TEST(FoldedTextIndexTest, TheEmptyTextIsAText) {
+  FoldedTextIndex index;
+  index.Add(L"", 3);
+  EXPECT_EQ(3, index.Find(L""));
+}
+
+TEST(FoldedTextIndexTest, AZeroAtTheEndIsACharacter) {
+  FoldedTextIndex index;
+  index.Add(std::wstring_view(L"ab\0", 3), 1);
+  EXPECT_EQ(FoldedTextIndex::kNone, index.Find(L"ab"));
+  EXPECT_EQ(1, index.Find(std::wstring_view(L"AB\0", 3)));
+}
+
+TEST(FoldedTextIndexTest, EveryLengthAroundABlockIsTold) {
+  FoldedTextIndex index;
+  std::wstring text;
+  for (int length = 0; length <= 13; ++length, text += L'x') index.Add(text, length);
+  text.clear();
+  for (int length = 0; length <= 13; ++length, text += L'X') EXPECT_EQ(length, index.Find(text));
+}
+
+TEST(FoldedTextIndexTest, ClearForgets) {
+  FoldedTextIndex index;
+  index.Add(L"ac", 1);
+  index.Clear();
+  EXPECT_EQ(FoldedTextIndex::kNone, index.Find(L"ac"));
+  index.Add(L"ac", 2);
+  EXPECT_EQ(2, index.Find(L"ac"));
+}
+
+TEST(FoldedTextIndexPropertyTest, AgreesWithAMapOfUpperCasedTexts) {
+  cvars::test::Randomness random("FoldedTextIndex");
+  constexpr wchar_t kCharacters[] = {L'a', L'A', L'z', L'@', L'{', L'9', L'\u00e4', L'\u00c4', 0};
+  const auto anyText = [&] {
+    std::wstring text(static_cast<std::size_t>(random.Whole(0, 9)), L' ');
+    for (wchar_t& c : text) c = random.Pick(kCharacters);
+    return text;
+  };
+  for (int round = 0; round < 50; ++round) {
+    FoldedTextIndex index;
+    std::map<std::wstring, int> model;
+    const auto count = static_cast<int>(random.Whole(0, 2000));
+    for (int number = 0; number < count; ++number) {
+      const std::wstring text = anyText();
+      index.Add(text, number);
+      model.emplace(cvars::UpperCased(text), number);
+    }
+    for (int look = 0; look < 500; ++look) {
+      const std::wstring text = anyText();
+      const auto found = model.find(cvars::UpperCased(text));
+      ASSERT_EQ(found == model.end() ? FoldedTextIndex::kNone : found->second, index.Find(text));
+    }
+  }
+}
+
+}  // namespace

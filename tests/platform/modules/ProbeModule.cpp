@@ -1,3 +1,0 @@
-#include "Export.h"
-
-extern "C" CVARS_API int AnswerOfProbe() { return 42; }
