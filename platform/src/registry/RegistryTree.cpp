@@ -5,15 +5,14 @@
 #include <cwchar>
 #include <utility>
 
+#include "Bstr.h"
 #include "platform/Registry.h"
 
 namespace cvars::platform {
 
 std::wstring FoldName(std::wstring_view name) {
   std::wstring folded(name);
-  std::transform(folded.begin(), folded.end(), folded.begin(), [](wchar_t character) {
-    return character >= L'a' && character <= L'z' ? character - L'a' + L'A' : character;
-  });
+  std::transform(folded.begin(), folded.end(), folded.begin(), cvars::UpperCase);
   return folded;
 }
 
