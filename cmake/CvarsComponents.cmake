@@ -41,6 +41,8 @@ function(cvars_add_component target)
 @="@ARG_PROGID@"
 ]=])
   include(GNUInstallDirs)
-  install(TARGETS ${target} LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}/cvars/components")
-  install(FILES "${folder}/${target}.reg" DESTINATION "${CMAKE_INSTALL_LIBDIR}/cvars/components")
+  install(TARGETS ${target}
+    LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}/cvars/components" COMPONENT libcvars)
+  install(FILES "${folder}/${target}.reg"
+    DESTINATION "${CMAKE_INSTALL_LIBDIR}/cvars/components" COMPONENT libcvars)
 endfunction()

@@ -7,6 +7,9 @@ set(CVARS_INSTALL_CMAKEDIR "${CMAKE_INSTALL_LIBDIR}/cmake/cvars")
 install(TARGETS cvars cvars_platform EXPORT cvarsTargets
   LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}"
     COMPONENT libcvars NAMELINK_COMPONENT libcvars-dev)
+# The tool behind cvars_add_resources.
+install(TARGETS cvars_compile_resources EXPORT cvarsTargets
+  RUNTIME DESTINATION "${CMAKE_INSTALL_LIBEXECDIR}/cvars" COMPONENT libcvars-dev)
 install(EXPORT cvarsTargets NAMESPACE cvars::
   DESTINATION "${CVARS_INSTALL_CMAKEDIR}" COMPONENT libcvars-dev)
 

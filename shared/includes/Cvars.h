@@ -30,10 +30,13 @@
 #include "platform/Components.h"
 #include "platform/FaultGuard.h"
 #include "platform/HostPath.h"
+#include "platform/LastError.h"
 #include "platform/MessageBox.h"
 #include "platform/MessageBoxPresenter.h"
+#include "platform/Modules.h"
 #include "platform/NamedMutex.h"
 #include "platform/Registry.h"
+#include "platform/Volumes.h"
 
 // Interfaces of outside components.
 #include "IVorAsynchronousCvarNotifier.h"
