@@ -55,7 +55,10 @@ bool CvarCore::TryAddReference() noexcept {
   return false;
 }
 
-void CvarCore::FinalRelease() { m_listeners.DetachAll(m_lock); }
+void CvarCore::FinalRelease() {
+  EndReplication();
+  m_listeners.DetachAll(m_lock);
+}
 
 CvarExtras& CvarCore::Extras() {
   CvarExtras* extras = ExtrasIfAny();

@@ -5,6 +5,7 @@
 #include <string>
 #include <string_view>
 
+#include "CComPtr.h"
 #include "CvarBaseCpp.h"
 #include "CvarListeners.h"
 #include "CvarNames.h"
@@ -12,11 +13,18 @@
 #include "IVorCvar.h"
 #include "PropertiesMap.h"
 #include "Relaxed.h"
+#include "Variant.h"
 #include "platform/RecursiveLock.h"
+
+/// {5B1F0C52-7C34-4E0B-8A5E-2E7B51D8C6A4}: the native side of a cvar of this library.
+inline constexpr IID IID_CvarCore = {
+    0x5B1F0C52, 0x7C34, 0x4E0B, {0x8A, 0x5E, 0x2E, 0x7B, 0x51, 0xD8, 0xC6, 0xA4}};
 
 namespace cvars {
 
 class CvarExtras;
+class ListenerProxy;
+class ReplicationManager;
 
 /// What all cvars share whatever their value: identity, names, flags, help, icon, hints, parent,
 /// listeners and notifications. Compiled once; IVorCvarImpl adds what depends on the value.
@@ -85,6 +93,72 @@ class CVARS_API CvarCore : public CvarBaseCpp {
   }
   /// Says what the cvar copies from a source; tells nobody.
   void SetReplicationFlags(CVARREPLICATIONFLAGS flags) noexcept { m_replicationFlags = flags; }
+
+  // Replication --------------------------------------------------------------------------------
+  //
+  // Two cvars are tied by a connection, which the cvar that starts it owns and which holds the other
+  // cvar by reference; cvars that hold each other this way live until one of them stops. Starting
+  // and stopping are thread-safe.
+
+  /// Makes the connection with another cvar, or changes the one there is.
+  ///
+  /// First one of the two copies from the other. A failed copy does not keep them from being
+  /// connected. REPLICATIONCONNECTION_UNCHANGED leaves a way of an existing connection as it is, and
+  /// counts as REPLICATIONCONNECTION_NONE for a new one.
+  /// @param thisListens   how this cvar follows the other
+  /// @param otherListens  how the other follows this one
+  /// @param direction     who copies at once: this cvar from the other, or the other from this one
+  /// @param what          the kinds of change that are copied at once; usually all
+  /// @retval E_INVALIDARG  other is null, or is no listener and is to listen
+  /// @retval E_FAIL        no memory for the connections
+  /// @return otherwise the first failure of the copy, of the asynchronous notifier or of attaching;
+  ///         S_OK. After a failure of the notifier the ways that were to change do not listen.
+  virtual HRESULT StartCvarReplication(IVorCvar* other,
+                                       CVARREPLICATIONCONNECTIONATTRIBUTES thisListens,
+                                       CVARREPLICATIONCONNECTIONATTRIBUTES otherListens,
+                                       CVARREPLICATIONINITIALCOPYDIRECTION direction,
+                                       NOTIFYTYPE what);
+  /// The same, synchronous.
+  /// @param directions  0x1 this cvar listens, 0x10 the other listens; a missing bit leaves its way
+  ///                    unchanged
+  virtual HRESULT StartCvarReplication(IVorCvar* other, bool copyFromOther, int directions,
+                                       NOTIFYTYPE what);
+  /// The same with a cvar that a bag finds by key: a text is a name, a number a position from 0.
+  /// @return E_INVALIDARG for a null bag, what the bag answered, or as above
+  virtual HRESULT StartCvarReplication(IUnknown* bag, VARIANT cvarKey, bool copyFromOther,
+                                       int directions, NOTIFYTYPE what);
+  virtual HRESULT StartCvarReplication(IUnknown* bag, const wchar_t* name,
+                                       CVARREPLICATIONCONNECTIONATTRIBUTES thisListens,
+                                       CVARREPLICATIONCONNECTIONATTRIBUTES otherListens,
+                                       CVARREPLICATIONINITIALCOPYDIRECTION direction,
+                                       NOTIFYTYPE what);
+
+  /// Ends the connection with another cvar. No copy starts afterwards, whatever is queued or under
+  /// way on other threads.
+  /// @retval E_INVALIDARG  other is null
+  /// @retval S_FALSE       this cvar has no connection with it
+  /// @return otherwise the last failure of detaching, or S_OK
+  virtual HRESULT StopCvarReplication(IUnknown* other);
+  HRESULT StopCvarReplication(IVorCvar* other) {
+    return StopCvarReplication(static_cast<IUnknown*>(other));
+  }
+  virtual HRESULT StopCvarReplication(IUnknown* bag, VARIANT cvarKey);
+  virtual HRESULT StopCvarReplication(IUnknown* bag, const wchar_t* name);
+  /// Ends every connection of this cvar, in the order of their making.
+  /// @retval S_FALSE  this cvar never started one
+  /// @return otherwise the last failure of detaching, or S_OK
+  virtual HRESULT StopAllCvarReplication();
+
+  /// Configures this cvar and makes it a synchronous two-way replica of another, from which it
+  /// copies everything first. Sets NOTIFY_GUIHINTS and NOTIFY_FLAGS when they change, and what the
+  /// copy changes.
+  virtual void InitializeReplicating(IVorCvar* source, CVARREPLICATIONFLAGS flags,
+                                     const wchar_t* name, CVARFLAGS cvarFlags,
+                                     const wchar_t* guiHints, unsigned int helpStringID);
+  /// The same with a source that a bag finds by key; without one the cvar is configured only.
+  virtual void InitializeReplicating(IUnknown* bag, VARIANT key, CVARREPLICATIONFLAGS flags,
+                                     const wchar_t* name, CVARFLAGS cvarFlags,
+                                     const wchar_t* guiHints, unsigned int helpStringID);
 
   // Notification -------------------------------------------------------------------------------
 
@@ -163,6 +237,14 @@ class CVARS_API CvarCore : public CvarBaseCpp {
   /// The automation text of a cvar: the conversion of its get_Value to text.
   HRESULT CoreAutomationText(BSTR* text);
 
+  /// Starts a replication with a cvar whose native side is known, or null when it has none.
+  HRESULT StartReplication(IVorCvar* other, CvarCore* otherCore,
+                           CVARREPLICATIONCONNECTIONATTRIBUTES thisListens,
+                           CVARREPLICATIONCONNECTIONATTRIBUTES otherListens,
+                           CVARREPLICATIONINITIALCOPYDIRECTION direction, NOTIFYTYPE what);
+  HRESULT StartReplication(IVorCvar* other, CvarCore* otherCore, bool copyFromOther,
+                           int directions, NOTIFYTYPE what);
+
   /// The replica's reaction to a change of its source: copies what the replication flags ask for.
   HRESULT CoreReactToSource(IVorCvar* source, NOTIFYTYPE what);
   /// Fits the request to the range again and sends what is pending.
@@ -175,6 +257,13 @@ class CVARS_API CvarCore : public CvarBaseCpp {
   void ReportRecursion();
   HRESULT ReportReplicaFailure(HRESULT result, int line);
   bool ChangeFlags(std::uint32_t word);
+  /// What stands for this cvar among the listeners of others.
+  CComPtr<ListenerProxy> Proxy();
+  ReplicationManager* Replication();
+  ReplicationManager* ReplicationIfAny() const noexcept;
+  /// Ends what this cvar replicates, and what it is told as a replica.
+  void EndReplication();
+  static CvarCore* CoreOf(IUnknown* cvar);
   CvarExtras& Extras();
   CvarExtras* ExtrasIfAny() const noexcept { return m_extras.load(std::memory_order_acquire); }
 

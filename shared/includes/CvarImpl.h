@@ -11,10 +11,6 @@
 #include "IVorCvar.h"
 #include "IVorCvarEventSink.h"
 
-/// {5B1F0C52-7C34-4E0B-8A5E-2E7B51D8C6A4}: the native side of a cvar of this library.
-inline constexpr IID IID_CvarCore = {
-    0x5B1F0C52, 0x7C34, 0x4E0B, {0x8A, 0x5E, 0x2E, 0x7B, 0x51, 0xD8, 0xC6, 0xA4}};
-
 namespace cvars {
 
 /// The variant that carries a value of a cvar.
@@ -108,6 +104,27 @@ class CVARS_API IVorCvarImpl : public Interface, public cvars::CvarCore, public 
   HRESULT ForceNotification(NOTIFYTYPE what) override { return Notify(what); }
   HRESULT OnCvarNotify(IVorCvar* source, NOTIFYTYPE what) override {
     return CoreReactToSource(source, what);
+  }
+
+  // Replication ----------------------------------------------------------------------------------
+
+  using CvarCore::StartCvarReplication;
+  using CvarCore::StopCvarReplication;
+
+  /// The same with another cvar of this class.
+  virtual HRESULT StartCvarReplication(IVorCvarImpl* other,
+                                       CVARREPLICATIONCONNECTIONATTRIBUTES thisListens,
+                                       CVARREPLICATIONCONNECTIONATTRIBUTES otherListens,
+                                       CVARREPLICATIONINITIALCOPYDIRECTION direction,
+                                       NOTIFYTYPE what) {
+    return StartReplication(other, other, thisListens, otherListens, direction, what);
+  }
+  virtual HRESULT StartCvarReplication(IVorCvarImpl* other, bool copyFromOther, int directions,
+                                       NOTIFYTYPE what) {
+    return StartReplication(other, other, copyFromOther, directions, what);
+  }
+  virtual HRESULT StopCvarReplication(IVorCvarImpl* other) {
+    return CvarCore::StopCvarReplication(static_cast<IVorCvar*>(other));
   }
 
   // Common interface: values and texts, as a class has them that says nothing else
