@@ -8,6 +8,7 @@
 #include "CvarText.h"
 #include "DeveloperEvents.h"
 #include "FlagsString.h"
+#include "platform/Modules.h"
 
 namespace cvars {
 
@@ -147,10 +148,13 @@ HRESULT CvarCore::CoreGetHelpStringID(unsigned int* id) const {
 
 HRESULT CvarCore::CoreGetHelpString(BSTR* text) {
   if (text == nullptr) return E_POINTER;
-  std::wstring help;
+  std::wstring_view help;
   HINSTANCE module = nullptr;
-  if (m_helpStringId != 0 && SUCCEEDED(GetParentModuleInstanceHandle(&module))) {
-    help = L"";
+  const unsigned int id = m_helpStringId;
+  if (id != 0 && SUCCEEDED(GetParentModuleInstanceHandle(&module))) {
+    const wchar_t* resource = nullptr;
+    const int length = LoadString(module, id, reinterpret_cast<wchar_t*>(&resource), 0);
+    if (length > 0) help = {resource, static_cast<std::size_t>(length)};
   }
   return CopyOut(help, text);
 }

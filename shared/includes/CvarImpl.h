@@ -76,7 +76,11 @@ class CVARS_API IVorCvarImpl : public Interface, public cvars::CvarCore, public 
   HRESULT get_Type(BSTR* name) override {
     if (name == nullptr) return E_POINTER;
     *name = nullptr;
-    return T::kTypeName == nullptr ? S_OK : cvars::CopyOut(T::kTypeName, name);
+    if constexpr (T::kTypeName != nullptr) {
+      return cvars::CopyOut(T::kTypeName, name);
+    } else {
+      return S_OK;
+    }
   }
   HRESULT get_Flags(long* flags) override { return CoreGetFlags(flags); }
   HRESULT GetFlagsString(BSTR* text) override { return CoreGetFlagsString(text); }
