@@ -8,6 +8,7 @@
 #include "CComSafeArray.h"
 #include "CComVariant.h"
 #include "GoldenTable.h"
+#include "PlainLocale.h"
 
 namespace {
 
@@ -56,6 +57,11 @@ const std::map<std::string, HRESULT>& Results() {
   return results;
 }
 
+double PlainNumber(const std::string& text) {
+  const cvars::test::PlainLocale plain;
+  return std::stod(text);
+}
+
 // A value of a table and what it refers to.
 struct TableValue {
   VARIANT value{};
@@ -83,7 +89,7 @@ void FillPlain(VARIANT& value, CComBSTR& text, const std::string& type, const st
       break;
     case VT_R8:
     case VT_DATE:
-      value.dblVal = column.find(':') == std::string::npos ? std::stod(column)
+      value.dblVal = column.find(':') == std::string::npos ? PlainNumber(column)
                                                            : std::bit_cast<double>(Bits(column));
       break;
     case VT_BSTR:
