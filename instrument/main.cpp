@@ -1,0 +1,57 @@
+// cvar-scope: a simulated oscilloscope that is controlled by remote commands.
+
+#include <CLI/CLI.hpp>
+#include <cstdio>
+#include <exception>
+
+#include "Cvars.h"
+#include "instrument/model/Oscilloscope.h"
+#include "instrument/remote/BagCommands.h"
+#include "instrument/remote/CommandServer.h"
+#include "instrument/remote/StandardCommands.h"
+
+namespace {
+
+using cvars::model::Oscilloscope;
+using namespace cvars::remote;
+
+int Serve(const ListenAddress& where) {
+  Oscilloscope scope;
+  CommandTable table;
+  AddStandardCommands(table);
+  for (const CComPtr<CCvarBag>& bag : scope.Bags()) {
+    if (AddBagCommands(table, *bag) != S_OK) {
+      std::fputs("cvar-scope: a bag does not name its cvars\n", stderr);
+      return 1;
+    }
+  }
+  const Device device{"Vortana,CVAR-SCOPE,0," CVARS_VERSION, [&scope] { scope.Reset(); }};
+  CommandServer server(table, device, where);
+  server.StopOnSignals();
+  std::printf(
+      "cvar-scope listens on %s port %d\n"
+      "Talk to it:  printf '*IDN?\\nCHANNEL1:SCALE 0.5;SCALE?\\n' | nc -N %s %d\n"
+      "Ctrl-C ends it.\n",
+      where.address.c_str(), server.Port(), where.address.c_str(), server.Port());
+  std::fflush(stdout);
+  server.Run();
+  return 0;
+}
+
+}  // namespace
+
+int main(int argumentCount, char** arguments) {
+  CLI::App app{"A simulated oscilloscope that is controlled by remote commands"};
+  ListenAddress where;
+  app.add_option("--listen", where.address, "Address to listen on")->capture_default_str();
+  app.add_option("--port", where.port, "TCP port; 0 takes a free one and prints it")
+      ->capture_default_str();
+  app.set_version_flag("--version", CVARS_VERSION);
+  CLI11_PARSE(app, argumentCount, arguments);
+  try {
+    return Serve(where);
+  } catch (const std::exception& failure) {
+    std::fprintf(stderr, "cvar-scope: %s\n", failure.what());
+    return 1;
+  }
+}

@@ -1,0 +1,15 @@
+#pragma once
+
+#include "CComPtr.h"
+#include "CCvarBag.h"
+
+namespace cvars::model {
+
+// The bags of the oscilloscope, one per file. A bag comes filled with its cvars.
+
+CComPtr<CCvarBag> MakeHorizontalBag();
+/// @param number  1 to Oscilloscope::kChannelCount; the bag is named after it.
+CComPtr<CCvarBag> MakeChannelBag(int number);
+CComPtr<CCvarBag> MakeTriggerBag();
+
+}  // namespace cvars::model

@@ -1,0 +1,18 @@
+#include "instrument/model/DoubleCvars.h"
+
+#include <stdexcept>
+
+#include "Cvars.h"
+
+namespace cvars::model {
+
+void AddDoubleCvars(CCvarBag& bag, std::span<const DoubleRow> rows) {
+  for (const DoubleRow& row : rows) {
+    const CComPtr<CvarObject<CCvarDouble>> cvar = CvarObject<CCvarDouble>::Create();
+    cvar->Initialize(row.name, row.defaultValue, row.min, row.max, row.grain, row.unit,
+                     CVARFLAGS(0), L"", 0, CVARREPLICATIONFLAGS(0x202));
+    if (bag.Add(cvar) != S_OK) throw std::logic_error("a cvar does not fit into its bag");
+  }
+}
+
+}  // namespace cvars::model

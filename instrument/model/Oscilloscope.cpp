@@ -1,0 +1,27 @@
+#include "instrument/model/Oscilloscope.h"
+
+#include "CComVariant.h"
+#include "IVorCvar.h"
+#include "instrument/model/Bags.h"
+
+namespace cvars::model {
+
+Oscilloscope::Oscilloscope() {
+  m_bags.push_back(MakeHorizontalBag());
+  for (int number = 1; number <= kChannelCount; ++number) m_bags.push_back(MakeChannelBag(number));
+  m_bags.push_back(MakeTriggerBag());
+}
+
+void Oscilloscope::Reset() {
+  for (const CComPtr<CCvarBag>& bag : m_bags) {
+    long count = 0;
+    if (bag->get_Count(&count) != S_OK) continue;
+    for (long index = 0; index < count; ++index) {
+      CComPtr<IVorCvar> cvar;
+      if (bag->get_Item(CComVariant(index), &cvar) != S_OK) continue;
+      (void)cvar->SetToDefault();  // what is read-only or has no default stays as it is
+    }
+  }
+}
+
+}  // namespace cvars::model

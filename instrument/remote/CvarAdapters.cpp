@@ -1,0 +1,27 @@
+// Which types of cvars have an adapter of their own.
+
+#include "instrument/remote/CvarAdapters.h"
+
+namespace cvars::remote {
+namespace {
+
+struct AdapterRow {
+  std::wstring_view type;
+  const CvarAdapter& (*adapter)();
+};
+
+constexpr AdapterRow kAdapters[] = {
+    {L"Double", DoubleAdapter},
+};
+
+}  // namespace
+
+const CvarAdapter& AdapterOf(std::wstring_view type) {
+  for (const AdapterRow& row : kAdapters) {
+    if (row.type == type) return row.adapter();
+  }
+  static const CvarAdapter textAdapter;
+  return textAdapter;
+}
+
+}  // namespace cvars::remote

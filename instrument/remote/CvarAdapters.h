@@ -1,0 +1,12 @@
+#pragma once
+
+#include "instrument/remote/CvarAdapter.h"
+
+namespace cvars::remote {
+
+// One adapter per file, which is named after the function.
+
+/// Numbers with units, and the words that stand for numbers.
+const CvarAdapter& DoubleAdapter();
+
+}  // namespace cvars::remote

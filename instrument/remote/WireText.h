@@ -1,0 +1,14 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace cvars::remote {
+
+/// Appends a wide text as UTF-8; what is no character becomes U+FFFD.
+void AppendToWire(std::wstring_view text, std::string& wire);
+
+/// Reads UTF-8; bytes that are none become U+FFFD.
+std::wstring FromWire(std::string_view wire);
+
+}  // namespace cvars::remote
