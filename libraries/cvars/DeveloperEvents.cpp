@@ -7,6 +7,7 @@
 #include "CComVariant.h"
 #include "CvarBag.h"
 #include "CvarText.h"
+#include "DeveloperEventLog.h"
 
 namespace cvars {
 namespace {
@@ -32,6 +33,7 @@ void ReportDeveloperEvent(const DeveloperEvent& event) {
   if (const DeveloperEventObserver observer = g_observer.load(std::memory_order_acquire)) {
     observer(event, g_observerContext.load(std::memory_order_acquire));
   }
+  g_KnobsetLogDeveloperEvent(CVorComBSTR(std::wstring_view(event.message)), event.cvar);
 }
 
 std::wstring BagName(IUnknown* parent) {

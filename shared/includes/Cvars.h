@@ -40,13 +40,25 @@
 
 // Interfaces of outside components.
 #include "IVorAsynchronousCvarNotifier.h"
+#include "IVorEventLog.h"
+#include "IVorEventLogMgr.h"
 #include "IVorMessageBox.h"
 #include "IVorPhysicalUnit.h"
 #include "IVorRegExp.h"
+#include "IVorTattlerClient.h"
 
 // Cvar classes.
 #include "CCvarDouble.h"
 #include "CvarImpl.h"
+
+// Diagnostics.
+#include "CDLLVersions.h"
+#include "DeveloperEventLog.h"
+#include "DeveloperEvents.h"
+#include "EventLogClient.h"
+#include "MiniDumpWriter.h"
+#include "ProcessStatistics.h"
+#include "TattlerClient.h"
 
 // Client kit.
 #include "CCvarBag.h"
