@@ -6,6 +6,7 @@
 #include "Relaxed.h"
 #include "ScriptMembers.h"
 #include "ScriptMembersDouble.h"
+#include "ScriptMembersText.h"
 
 /// The counted concrete object of a cvar class.
 ///

@@ -3,7 +3,7 @@
 #include "OwnedBstr.h"
 
 /// Owning string of a client: a `BSTR` that is copied with it and freed with it.
-class CComBSTR : public cvars::OwnedBstr {
+class CVARS_API CComBSTR : public cvars::OwnedBstr {
  public:
   using OwnedBstr::OwnedBstr;
   using OwnedBstr::operator=;

@@ -8,7 +8,7 @@
 
 /// Owning `VARIANT`: copied with it and cleared with it. A copy that cannot be allocated throws
 /// std::bad_alloc; any other failed copy leaves VT_ERROR with the code.
-class CComVariant : public VARIANT {
+class CVARS_API CComVariant : public VARIANT {
  public:
   CComVariant() noexcept { Start(VT_EMPTY); }
   CComVariant(const CComVariant& other) : CComVariant(static_cast<const VARIANT&>(other)) {}

@@ -177,7 +177,7 @@ class CVARS_API IVorCvarImpl : public Interface, public cvars::CvarCore, public 
   // -------------------------------------------------------------------------------------
 
   /// The adapted value.
-  virtual ValueType GetAdaptedValue() { return m_adapted; }
+  virtual ValueType GetAdaptedValue() { return ReadField(m_adapted); }
   operator ValueType() { return GetAdaptedValue(); }  // NOLINT: a cvar reads as its value
 
   HRESULT GetAdaptedValue(ValueType* value) { return CopyField(m_adapted, value); }
@@ -187,7 +187,7 @@ class CVARS_API IVorCvarImpl : public Interface, public cvars::CvarCore, public 
   HRESULT GetRequestedValue(VARIANT* value) {
     if (value == nullptr) return E_POINTER;
     (void)VariantClear(value);
-    return cvars::ToVariant(static_cast<ValueType>(m_requested)).Detach(value);
+    return cvars::ToVariant(ReadField(m_requested)).Detach(value);
   }
 
   virtual HRESULT Dummy1() { return E_NOTIMPL; }
@@ -230,18 +230,22 @@ class CVARS_API IVorCvarImpl : public Interface, public cvars::CvarCore, public 
   Field m_default{};
   Field m_requested{};
 
- private:
-  static bool Equal(const Field& a, const Field& b) {
+  /// Reads a field; a text is copied under the object lock.
+  ValueType ReadField(const Field& field) const {
     if constexpr (std::is_arithmetic_v<ValueType>) {
-      return a.Get() == b.Get();
+      return field;
     } else {
-      return a == b;
+      const cvars::platform::ScopedLock guard(m_lock);
+      return field;
     }
   }
 
-  static HRESULT CopyField(const Field& field, ValueType* value) {
+ private:
+  bool Equal(const Field& a, const Field& b) const { return ReadField(a) == ReadField(b); }
+
+  HRESULT CopyField(const Field& field, ValueType* value) const {
     if (value == nullptr) return E_POINTER;
-    *value = field;
+    *value = ReadField(field);
     return S_OK;
   }
 };

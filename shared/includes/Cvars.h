@@ -49,6 +49,9 @@
 
 // Cvar classes.
 #include "CCvarDouble.h"
+#include "CCvarFileName.h"
+#include "CCvarObjectName.h"
+#include "CCvarString.h"
 #include "CvarImpl.h"
 
 // Diagnostics.

@@ -12,7 +12,7 @@ namespace cvars {
 /// What the owning string classes share: holds one `BSTR`, freed with it.
 ///
 /// Null reads as empty. A failed allocation throws std::bad_alloc and leaves the old text.
-class OwnedBstr {
+class CVARS_API OwnedBstr {
  public:
   OwnedBstr() noexcept = default;
   /// @param text  copied up to its terminator; null gives null.
