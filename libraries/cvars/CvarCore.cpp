@@ -111,19 +111,29 @@ HRESULT CvarCore::CoreIsFlagSet(CVARFLAGS bit, int* set) const {
 // Names
 // --------------------------------------------------------------------------------------------
 
-void CvarCore::SetName(const wchar_t* text) { m_names.Set(TextOrEmpty(text)); }
+// Replicas read names and hints on other threads, so these are under the object lock.
+
+void CvarCore::SetName(const wchar_t* text) {
+  const ScopedLock guard(m_lock);
+  m_names.Set(TextOrEmpty(text));
+}
 
 void CvarCore::InitializeName(const BSTR& memberName) {
+  const ScopedLock guard(m_lock);
   if (!m_names.Empty()) return;
   m_names.Set(WithoutFirst(WithoutFirst(std::wstring(TextOrEmpty(memberName)), L"m_cv"), L"m_pcv"));
 }
 
 HRESULT CvarCore::CoreGetName(BSTR* name) const {
-  return name == nullptr ? E_POINTER : m_names.CopyName(name);
+  if (name == nullptr) return E_POINTER;
+  const ScopedLock guard(m_lock);
+  return m_names.CopyName(name);
 }
 
 HRESULT CvarCore::CoreGetNameRemote(BSTR* name) const {
-  return name == nullptr ? E_POINTER : m_names.CopyRemoteName(name);
+  if (name == nullptr) return E_POINTER;
+  const ScopedLock guard(m_lock);
+  return m_names.CopyRemoteName(name);
 }
 
 HRESULT CvarCore::get_BagAndCvarName(BSTR* name) {
@@ -161,19 +171,22 @@ HRESULT CvarCore::CoreGetHelpString(BSTR* text) {
 
 void CvarCore::SetGuiHints(const wchar_t* hints) {
   const std::wstring_view text = TextOrEmpty(hints);
-  const CvarExtras* const extras = ExtrasIfAny();
-  if (text == (extras == nullptr ? std::wstring_view() : std::wstring_view(extras->guiHints))) {
-    return;
+  if (text.empty() && ExtrasIfAny() == nullptr) return;
+  {
+    const ScopedLock guard(m_lock);
+    std::wstring& stored = Extras().guiHints;
+    if (text == stored) return;
+    stored = text;
   }
-  Extras().guiHints = text;
   (void)Notify(NOTIFY_GUIHINTS);  // the operation has no result
 }
 
 HRESULT CvarCore::CoreGetGuiHints(BSTR* hints) const {
   if (hints == nullptr) return E_POINTER;
   const CvarExtras* const extras = ExtrasIfAny();
-  return CopyOut(extras == nullptr ? std::wstring_view() : std::wstring_view(extras->guiHints),
-                 hints);
+  if (extras == nullptr) return CopyOut(L"", hints);
+  const ScopedLock guard(m_lock);
+  return CopyOut(extras->guiHints, hints);
 }
 
 void CvarCore::SetIcon(unsigned long id) {

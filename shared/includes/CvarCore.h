@@ -29,9 +29,9 @@ class ReplicationManager;
 /// What all cvars share whatever their value: identity, names, flags, help, icon, hints, parent,
 /// listeners and notifications. Compiled once; IVorCvarImpl adds what depends on the value.
 ///
-/// Names, flags, help, icon and hints are plain state that the owner's thread writes; only the
-/// listeners are guarded by the object lock, which is never held while a listener, a parent or a
-/// component runs.
+/// Names, flags, help, icon and hints are state that the owner's thread writes. Replicas read them on
+/// other threads, so numbers are relaxed atomics, and texts are under the object lock as the
+/// listeners are; it is never held while a listener, a parent or a component runs.
 class CVARS_API CvarCore : public CvarBaseCpp {
  public:
   // Reference count -------------------------------------------------------------------------
