@@ -11,5 +11,7 @@ CComPtr<CCvarBag> MakeHorizontalBag();
 /// @param number  1 to Oscilloscope::kChannelCount; the bag is named after it.
 CComPtr<CCvarBag> MakeChannelBag(int number);
 CComPtr<CCvarBag> MakeTriggerBag();
+/// Where waveforms and set-ups are saved.
+CComPtr<CCvarBag> MakeStorageBag();
 
 }  // namespace cvars::model

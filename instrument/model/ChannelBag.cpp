@@ -1,5 +1,8 @@
 #include <string>
 
+#include "CCvarObjectName.h"
+#include "CCvarString.h"
+#include "CvarObject.h"
 #include "instrument/model/Bags.h"
 #include "instrument/model/DoubleCvars.h"
 
@@ -17,12 +20,32 @@ constexpr DoubleRow kDoubles[] = {
     {L"Deskew", 0, -100e-9, 100e-9, 1e-12, L"S"},
 };
 
+constexpr int kLongestLabel = 32;
+
+void AddLabel(CCvarBag& bag) {
+  const auto label = CvarObject<CCvarString>::Create();
+  label->Initialize(L"Label", L"", kLongestLabel, CVARFLAGS(0), nullptr, 0,
+                    REPLICATE_VALUE | REPLICATE_REQUESTED);
+  (void)bag.Add(label);  // a new cvar has no parent yet
+}
+
+// The name of the channel's trace: "Trace 1" on the screen, Trace1 in scripts, TRACE1 for remote.
+void AddTraceName(CCvarBag& bag, int number) {
+  const auto name = CvarObject<CCvarObjectName>::Create();
+  const std::wstring trace = L"Trace " + std::to_wstring(number);
+  name->Initialize(L"Trace Name|trace", trace.c_str(), -1, CVARFLAGS(0), nullptr, 0,
+                   REPLICATE_VALUE | REPLICATE_REQUESTED);
+  (void)bag.Add(name);  // a new cvar has no parent yet
+}
+
 }  // namespace
 
 CComPtr<CCvarBag> MakeChannelBag(int number) {
   const std::wstring name = L"Channel" + std::to_wstring(number);
   CComPtr<CCvarBag> bag = CCvarBag::Create(name.c_str(), nullptr);
   AddDoubleCvars(*bag, kDoubles);
+  AddLabel(*bag);
+  AddTraceName(*bag, number);
   return bag;
 }
 

@@ -12,6 +12,9 @@ struct AdapterRow {
 
 constexpr AdapterRow kAdapters[] = {
     {L"Double", DoubleAdapter},
+    {L"FileName", TextAdapter},
+    {L"ObjectName", TextAdapter},
+    {L"String", TextAdapter},
 };
 
 }  // namespace

@@ -9,4 +9,7 @@ namespace cvars::remote {
 /// Numbers with units, and the words that stand for numbers.
 const CvarAdapter& DoubleAdapter();
 
+/// Texts in quotes, and DEFault.
+const CvarAdapter& TextAdapter();
+
 }  // namespace cvars::remote
