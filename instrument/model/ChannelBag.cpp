@@ -1,8 +1,6 @@
 #include <string>
 
-#include "CCvarObjectName.h"
-#include "CCvarString.h"
-#include "CvarObject.h"
+#include "Cvars.h"
 #include "instrument/model/Bags.h"
 #include "instrument/model/DoubleCvars.h"
 

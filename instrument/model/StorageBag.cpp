@@ -1,5 +1,4 @@
-#include "CCvarFileName.h"
-#include "CvarObject.h"
+#include "Cvars.h"
 #include "instrument/model/Bags.h"
 
 namespace cvars::model {
