@@ -75,7 +75,7 @@ ScpiError SetNumber(IVorCvar& cvar, std::string_view parameter) {
   if (const ScpiError error = SplitDecimal(parameter, number, suffix); error != ScpiError::kNone) {
     return error;
   }
-  if (!suffix.empty()) number += " " + Respell(suffix, UnitOf(cvar));
+  if (!suffix.empty()) number.append(" ").append(Respell(suffix, UnitOf(cvar)));
   return ErrorOf(cvar.SetRequestedValueFromStringRemote(FromWire(number).c_str()));
 }
 
