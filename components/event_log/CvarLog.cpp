@@ -1,0 +1,217 @@
+// cvar-log: prints the instrument's event log.
+
+#include <fcntl.h>
+#include <poll.h>
+#include <sys/inotify.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <charconv>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <fstream>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "Journal.h"
+#include "LogFile.h"
+#include "json_line/JsonLine.h"
+
+namespace {
+
+using namespace cvars::components;
+
+constexpr char kUsage[] =
+    "usage: cvar-log [--follow] [--source NAME] [--type error|warning|information|NUMBER]\n"
+    "                [--since TIME] [--until TIME] [--json]\n"
+    "\n"
+    "Prints the event log, the oldest entry first. TIME is written as the log does,\n"
+    "2026-11-21T09:58:03Z in universal time, or the start of that: 2026-11-21.\n"
+    "  --follow   goes on with new entries\n"
+    "  --json     prints the entries as they are stored, one object a line\n";
+
+struct Options {
+  bool follow = false;
+  bool json = false;
+  std::string source;
+  std::optional<int> type;
+  std::string since;
+  std::string until;
+};
+
+std::optional<int> TypeOf(const std::string& name) {
+  if (name == "error") return 1;
+  if (name == "warning") return 2;
+  if (name == "information") return 4;
+  int number = 0;
+  const char* end = name.data() + name.size();
+  return std::from_chars(name.data(), end, number).ptr == end && !name.empty()
+             ? std::optional(number)
+             : std::nullopt;
+}
+
+std::string TypeName(const std::string& number) {
+  if (number == "1") return "error";
+  if (number == "2") return "warning";
+  if (number == "4") return "information";
+  return "type " + number;
+}
+
+// @return nothing when the arguments cannot be understood.
+std::optional<Options> ReadOptions(int count, char** arguments) {
+  Options options;
+  for (int index = 1; index < count; ++index) {
+    const std::string name = arguments[index];
+    if (name == "--follow" || name == "--json") {
+      (name == "--follow" ? options.follow : options.json) = true;
+      continue;
+    }
+    if (index + 1 >= count) return std::nullopt;
+    const std::string value = arguments[++index];
+    if (name == "--source") {
+      options.source = value;
+    } else if (name == "--since") {
+      options.since = value;
+    } else if (name == "--until") {
+      options.until = value;
+    } else if (name == "--type") {
+      options.type = TypeOf(value);
+      if (!options.type) return std::nullopt;
+    } else {
+      return std::nullopt;
+    }
+  }
+  return options;
+}
+
+std::string Member(const JsonMembers& members, std::string_view name) {
+  const auto found = members.find(name);
+  return found != members.end() ? found->second : std::string();
+}
+
+bool IsWanted(const JsonMembers& entry, const Options& options) {
+  const std::string time = Member(entry, "time");
+  return (options.source.empty() || Member(entry, "source") == options.source) &&
+         (!options.type || Member(entry, "type") == std::to_string(*options.type)) &&
+         (options.since.empty() || time >= options.since) &&
+         (options.until.empty() || time < options.until);
+}
+
+// A line that is no whole entry was cut by the end of its process.
+void PrintLine(const std::string& line, const Options& options) {
+  const auto entry = ReadJsonLine(line);
+  if (!entry || !IsWanted(*entry, options)) return;
+  if (options.json) {
+    std::printf("%s\n", line.c_str());
+  } else {
+    std::printf("%s %s %s %s\n", Member(*entry, "time").c_str(),
+                TypeName(Member(*entry, "type")).c_str(), Member(*entry, "source").c_str(),
+                Member(*entry, "text").c_str());
+  }
+}
+
+// Prints the lines of a file that is being written, as far as they are whole.
+class FollowedFile {
+ public:
+  explicit FollowedFile(const std::filesystem::path& path)
+      : m_descriptor(open(path.c_str(), O_RDONLY | O_CLOEXEC)) {}
+  ~FollowedFile() {
+    if (m_descriptor >= 0) close(m_descriptor);
+  }
+  FollowedFile(const FollowedFile&) = delete;
+  FollowedFile& operator=(const FollowedFile&) = delete;
+
+  void PrintNew(const Options& options) {
+    char block[16 * 1024];
+    ssize_t count = 0;
+    while (m_descriptor >= 0 && (count = read(m_descriptor, block, sizeof(block))) > 0) {
+      m_pending.append(block, static_cast<std::size_t>(count));
+    }
+    std::size_t start = 0;
+    for (std::size_t end = m_pending.find('\n'); end != std::string::npos;
+         end = m_pending.find('\n', start)) {
+      PrintLine(m_pending.substr(start, end - start), options);
+      start = end + 1;
+    }
+    m_pending.erase(0, start);
+    std::fflush(stdout);
+  }
+
+  bool IsStill(const std::filesystem::path& path) const {
+    struct stat mine = {};
+    struct stat named = {};
+    return m_descriptor >= 0 && fstat(m_descriptor, &mine) == 0 &&
+           stat(path.c_str(), &named) == 0 && mine.st_ino == named.st_ino &&
+           mine.st_dev == named.st_dev;
+  }
+
+ private:
+  int m_descriptor;
+  std::string m_pending;
+};
+
+int Follow(const LogFile& log, const Options& options) {
+  std::error_code ignored;  // shows when the folder is watched
+  std::filesystem::create_directories(log.Folder(), ignored);
+  const int watch = inotify_init1(IN_CLOEXEC);
+  if (watch < 0 ||
+      inotify_add_watch(watch, log.Folder().c_str(), IN_MODIFY | IN_CREATE | IN_MOVED_TO) < 0) {
+    std::perror("cvar-log: the log cannot be followed");
+    return 1;
+  }
+  auto file = std::make_unique<FollowedFile>(log.File(0));
+  while (true) {
+    file->PrintNew(options);
+    if (!file->IsStill(log.File(0))) {
+      file->PrintNew(options);  // what came before the files moved up
+      auto next = std::make_unique<FollowedFile>(log.File(0));
+      if (next->IsStill(log.File(0))) {
+        file = std::move(next);
+        continue;
+      }
+    }
+    char events[4096];
+    if (read(watch, events, sizeof(events)) < 0 && errno != EINTR) return 1;
+  }
+}
+
+int PrintFiles(const Options& options) {
+  const LogFile log = HomeLogFile();
+  for (const std::filesystem::path& path : log.Files()) {
+    if (options.follow && path == log.File(0)) continue;
+    std::ifstream file(path, std::ios::binary);
+    for (std::string line; std::getline(file, line);) PrintLine(line, options);
+  }
+  return options.follow ? Follow(log, options) : 0;
+}
+
+// The journal has a reader of its own.
+int PrintJournal(const Options& options) {
+  std::vector<std::string> words = {"journalctl", "--utc",
+                                    std::string("SYSLOG_IDENTIFIER=") + kJournalIdentifier};
+  if (!options.source.empty()) words.push_back("VORTANA_SOURCE=" + options.source);
+  if (options.type) words.push_back("VORTANA_TYPE=" + std::to_string(*options.type));
+  if (!options.since.empty()) words.push_back("--since=" + options.since);
+  if (!options.until.empty()) words.push_back("--until=" + options.until);
+  if (options.follow) words.push_back("--follow");
+  words.push_back(options.json ? "--output=json" : "--output=short-iso-precise");
+  std::vector<char*> arguments;
+  for (std::string& word : words) arguments.push_back(word.data());
+  arguments.push_back(nullptr);
+  execvp(arguments[0], arguments.data());
+  std::perror("cvar-log: journalctl cannot be started");
+  return 1;
+}
+
+}  // namespace
+
+int main(int argumentCount, char** arguments) {
+  const auto options = ReadOptions(argumentCount, arguments);
+  if (!options) {
+    std::fputs(kUsage, stderr);
+    return 2;
+  }
+  return JournalSocket().empty() ? PrintFiles(*options) : PrintJournal(*options);
+}
