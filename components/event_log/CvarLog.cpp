@@ -17,7 +17,7 @@
 
 #include "Journal.h"
 #include "LogFile.h"
-#include "json_line/JsonLine.h"
+#include "components/json_line/JsonLine.h"
 
 namespace {
 

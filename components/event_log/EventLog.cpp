@@ -11,7 +11,7 @@
 #include "Journal.h"
 #include "LogFile.h"
 #include "SafeArray.h"
-#include "json_line/JsonLine.h"
+#include "components/json_line/JsonLine.h"
 #include "platform/ComponentModule.h"
 #include "platform/Processes.h"
 #include "platform/Utf8.h"

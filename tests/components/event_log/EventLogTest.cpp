@@ -22,8 +22,8 @@
 #include "IVorEventLogMgr.h"
 #include "IsolatedHome.h"
 #include "SafeArray.h"
-#include "event_log/LogFile.h"
-#include "json_line/JsonLine.h"
+#include "components/event_log/LogFile.h"
+#include "components/json_line/JsonLine.h"
 #include "platform/Components.h"
 #include "platform/Processes.h"
 

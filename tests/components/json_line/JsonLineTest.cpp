@@ -1,4 +1,4 @@
-#include "json_line/JsonLine.h"
+#include "components/json_line/JsonLine.h"
 
 #include <gtest/gtest.h>
 
