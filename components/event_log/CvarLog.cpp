@@ -17,11 +17,13 @@
 
 #include "Journal.h"
 #include "LogFile.h"
-#include "components/json_line/JsonLine.h"
+#include "platform/JsonLine.h"
 
 namespace {
 
 using namespace cvars::components;
+using cvars::platform::JsonMembers;
+using cvars::platform::ReadJsonLine;
 
 constexpr char kUsage[] =
     "usage: cvar-log [--follow] [--source NAME] [--type error|warning|information|NUMBER]\n"

@@ -11,13 +11,15 @@
 #include "Journal.h"
 #include "LogFile.h"
 #include "SafeArray.h"
-#include "components/json_line/JsonLine.h"
 #include "platform/ComponentModule.h"
+#include "platform/JsonLine.h"
 #include "platform/Processes.h"
 #include "platform/Utf8.h"
 
 namespace cvars::components {
 namespace {
+
+using platform::JsonLine;
 
 constexpr long kError = 1;
 constexpr long kWarning = 2;

@@ -23,17 +23,17 @@
 #include "IsolatedHome.h"
 #include "SafeArray.h"
 #include "components/event_log/LogFile.h"
-#include "components/json_line/JsonLine.h"
 #include "platform/Components.h"
+#include "platform/JsonLine.h"
 #include "platform/Processes.h"
 
 namespace {
 
 namespace fs = std::filesystem;
 using cvars::components::HomeLogFile;
-using cvars::components::JsonMembers;
 using cvars::components::LogFile;
-using cvars::components::ReadJsonLine;
+using cvars::platform::JsonMembers;
+using cvars::platform::ReadJsonLine;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::StartsWith;

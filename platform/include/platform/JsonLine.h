@@ -6,10 +6,12 @@
 #include <string>
 #include <string_view>
 
-namespace cvars::components {
+#include "Export.h"
+
+namespace cvars::platform {
 
 /// Writes one flat JSON object on one line.
-class JsonLine {
+class CVARS_API JsonLine {
  public:
   JsonLine& Text(std::string_view key, std::wstring_view value);
   JsonLine& Text(std::string_view key, std::string_view utf8);
@@ -33,6 +35,6 @@ class JsonLine {
 using JsonMembers = std::map<std::string, std::string, std::less<>>;
 
 /// Reads one line; nothing when it is not a whole flat object.
-std::optional<JsonMembers> ReadJsonLine(std::string_view line);
+CVARS_API std::optional<JsonMembers> ReadJsonLine(std::string_view line);
 
-}  // namespace cvars::components
+}  // namespace cvars::platform

@@ -1,15 +1,15 @@
-#include "JsonLine.h"
+#include "platform/JsonLine.h"
 
 #include <charconv>
 #include <cmath>
 
 #include "platform/Utf8.h"
 
-namespace cvars::components {
+namespace cvars::platform {
 namespace {
 
 void AppendUtf8(std::string& text, std::uint32_t code) {
-  text += platform::ToUtf8(std::wstring(1, static_cast<wchar_t>(code)));
+  text += ToUtf8(std::wstring(1, static_cast<wchar_t>(code)));
 }
 
 // Reads from the front of a text; a method that fails leaves the reader unusable.
@@ -140,7 +140,7 @@ void JsonLine::Quoted(std::string_view utf8) {
 }
 
 JsonLine& JsonLine::Text(std::string_view key, std::wstring_view value) {
-  return Text(key, platform::ToUtf8(value));
+  return Text(key, ToUtf8(value));
 }
 
 JsonLine& JsonLine::Text(std::string_view key, std::string_view utf8) {
@@ -192,4 +192,4 @@ std::optional<JsonMembers> ReadJsonLine(std::string_view line) {
   return reader.AtEnd() ? std::optional(std::move(members)) : std::nullopt;
 }
 
-}  // namespace cvars::components
+}  // namespace cvars::platform

@@ -1,4 +1,4 @@
-#include "components/json_line/JsonLine.h"
+#include "platform/JsonLine.h"
 
 #include <gtest/gtest.h>
 
@@ -7,8 +7,8 @@
 
 namespace {
 
-using cvars::components::JsonLine;
-using cvars::components::ReadJsonLine;
+using cvars::platform::JsonLine;
+using cvars::platform::ReadJsonLine;
 
 TEST(JsonLine, WritesOneFlatObject) {
   JsonLine line;
