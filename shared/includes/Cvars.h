@@ -21,7 +21,10 @@
 // Interfaces.
 #include "CvarBag.h"
 #include "IVorCvar.h"
+#include "IVorCvarBool.h"
+#include "IVorCvarColor.h"
 #include "IVorCvarDouble.h"
+#include "IVorCvarEnum.h"
 #include "IVorCvarEventSink.h"
 #include "IVorPhysicalUnit.h"
 #include "Unknown.h"
@@ -49,6 +52,7 @@
 
 // Cvar classes.
 #include "CCvarDouble.h"
+#include "CCvarEnum.h"
 #include "CCvarFileName.h"
 #include "CCvarObjectName.h"
 #include "CCvarString.h"
