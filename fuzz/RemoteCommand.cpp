@@ -3,10 +3,13 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <cstdlib>
 #include <memory>
 #include <string>
 #include <string_view>
 
+#include "instrument/model/Oscilloscope.h"
+#include "instrument/remote/BagCommands.h"
 #include "instrument/remote/LineReader.h"
 #include "instrument/remote/NumericParameter.h"
 #include "instrument/remote/Session.h"
@@ -14,6 +17,7 @@
 
 namespace {
 
+using namespace cvars;
 using namespace cvars::remote;
 
 /// Looks at every parameter in every way.
@@ -39,8 +43,12 @@ class Examine final : public Command {
 CommandTable MakeTable() {
   CommandTable table;
   AddStandardCommands(table);
-  table.AddVerbatim("CHANNEL1:SCALE", std::make_shared<Examine>());
   table.AddVerbatim("A", std::make_shared<Examine>());
+  // Names, numbers and units meet the settings of the instrument.
+  static const model::Oscilloscope scope;
+  for (const CComPtr<CCvarBag>& bag : scope.Bags()) {
+    if (AddBagCommands(table, *bag) != S_OK) std::abort();
+  }
   return table;
 }
 

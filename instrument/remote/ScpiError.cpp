@@ -42,6 +42,8 @@ std::string_view ErrorText(ScpiError error) noexcept {
       return "Data out of range";
     case ScpiError::kIllegalParameterValue:
       return "Illegal parameter value";
+    case ScpiError::kOutOfMemory:
+      return "Out of memory";
     case ScpiError::kQueueOverflow:
       return "Queue overflow";
     case ScpiError::kInputBufferOverrun:

@@ -28,6 +28,7 @@ enum class ScpiError : int {
   kDataOutOfRange = -222,
   kIllegalParameterValue = -224,
   // Device-specific errors.
+  kOutOfMemory = -321,
   kQueueOverflow = -350,
   kInputBufferOverrun = -363,
   // Query errors: answers cannot be delivered.

@@ -1,6 +1,7 @@
 #include "instrument/remote/Session.h"
 
 #include <limits>
+#include <new>
 
 #include "instrument/remote/Syntax.h"
 
@@ -27,7 +28,7 @@ bool Session::Run(std::size_t& budget) {
   while (!m_message.AtEnd()) {
     if (budget == 0) return false;
     --budget;
-    m_status.Report(RunUnit());
+    m_status.Report(RunUnitGuarded());
   }
   if (m_hasAnswer) m_response.push_back('\n');
   m_hasAnswer = false;
@@ -39,6 +40,17 @@ const std::string& Session::Execute(std::string_view line) {
   std::size_t budget = std::numeric_limits<std::size_t>::max();
   (void)Run(budget);  // the budget outlasts every line
   return m_response;
+}
+
+ScpiError Session::RunUnitGuarded() {
+  // A client that asks for too much must not end the service of the others.
+  const std::size_t before = m_response.size();
+  try {
+    return RunUnit();
+  } catch (const std::bad_alloc&) {
+    m_response.resize(before);
+    return ScpiError::kOutOfMemory;
+  }
 }
 
 ScpiError Session::RunUnit() {

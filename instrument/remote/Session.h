@@ -40,6 +40,7 @@ class Session {
   StatusModel& Status() noexcept { return m_status; }
 
  private:
+  ScpiError RunUnitGuarded();
   ScpiError RunUnit();
   ScpiError Resolve(const Command*& command);
   ScpiError Answer(const Command& command);

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <memory>
+#include <new>
 #include <string>
 #include <vector>
 
@@ -44,6 +45,15 @@ class LargeCommand final : public Command {
   ScpiError m_result;
 };
 
+/// Finds no memory, half-way through its answer.
+class ExhaustedCommand final : public Command {
+ public:
+  ScpiError Query(const CommandCall&, std::string& answer) const override {
+    answer += "half";
+    throw std::bad_alloc();
+  }
+};
+
 class SessionTest : public testing::Test {
  protected:
   SessionTest() {
@@ -53,6 +63,7 @@ class SessionTest : public testing::Test {
     }
     table.AddVerbatim("LARGE", std::make_shared<LargeCommand>(ScpiError::kNone));
     table.AddVerbatim("FAIL", std::make_shared<LargeCommand>(ScpiError::kExecutionError));
+    table.AddVerbatim("EXHAUSTED", std::make_shared<ExhaustedCommand>());
   }
 
   std::string Ask(std::string_view line) { return session.Execute(line); }
@@ -201,6 +212,11 @@ TEST_F(SessionTest, TooLargeAResponseIsADeadlockAndAnswersNothing) {
   EXPECT_EQ(Errors(), std::vector<int>{-430});
   EXPECT_EQ(sets, std::vector<std::string>{"A:B=7"});
   EXPECT_EQ(Ask("A:B?"), "A:B\n");
+}
+
+TEST_F(SessionTest, FailedAllocationIsAnErrorOfItsCommandOnly) {
+  EXPECT_EQ(Ask("A:B?;:EXHAUSTED?;:X?"), "A:B;X\n");
+  EXPECT_EQ(Errors(), std::vector<int>{-321});
 }
 
 TEST_F(SessionTest, LineCanBeRunInSteps) {
