@@ -5,6 +5,7 @@
 #include "CComPtr.h"
 #include "Relaxed.h"
 #include "ScriptMembers.h"
+#include "ScriptMembersBitPattern.h"
 #include "ScriptMembersChoice.h"
 #include "ScriptMembersDouble.h"
 #include "ScriptMembersText.h"

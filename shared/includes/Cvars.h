@@ -21,6 +21,7 @@
 // Interfaces.
 #include "CvarBag.h"
 #include "IVorCvar.h"
+#include "IVorCvarBitPattern.h"
 #include "IVorCvarBool.h"
 #include "IVorCvarColor.h"
 #include "IVorCvarDouble.h"
@@ -51,6 +52,7 @@
 #include "IVorTattlerClient.h"
 
 // Cvar classes.
+#include "CCvarBitPattern.h"
 #include "CCvarDouble.h"
 #include "CCvarEnum.h"
 #include "CCvarFileName.h"

@@ -1,0 +1,40 @@
+#include "ScriptMembersBitPattern.h"
+
+namespace cvars {
+namespace {
+
+constexpr ScriptMember kMembers[] = {
+    ScriptGet<&IVorCvarBitPattern::GetDefaultValue>(L"Default"),
+    ScriptGet<&IVorCvarBitPattern::get_DecimalValue>(L"DecimalValue"),
+    ScriptPut<&IVorCvarBitPattern::put_DecimalValue>(L"DecimalValue"),
+    ScriptGet<&IVorCvarBitPattern::GetSignedDecimalValue>(L"SignedDecimalValue"),
+    ScriptGet<&IVorCvarBitPattern::get_HexadecimalValue>(L"HexadecimalValue"),
+    ScriptPut<&IVorCvarBitPattern::put_HexadecimalValue>(L"HexadecimalValue"),
+    ScriptGet<&IVorCvarBitPattern::get_MinValue>(L"Min"),
+    ScriptGet<&IVorCvarBitPattern::get_MaxValue>(L"Max"),
+    ScriptGet<&IVorCvarBitPattern::get_NumBits>(L"NumBits"),
+    ScriptPut<&IVorCvarBitPattern::put_NumBits>(L"NumBits"),
+    ScriptGet<&IVorCvarBitPattern::get_NumBytes>(L"NumBytes"),
+    ScriptPut<&IVorCvarBitPattern::put_NumBytes>(L"NumBytes"),
+    ScriptGet<&IVorCvarBitPattern::get_MaxNumBits>(L"MaxNumBits"),
+    ScriptPut<&IVorCvarBitPattern::put_MaxNumBits>(L"MaxNumBits"),
+    ScriptGet<&IVorCvarBitPattern::get_Format>(L"Format"),
+    ScriptPut<&IVorCvarBitPattern::put_Format>(L"Format"),
+    ScriptGet<&IVorCvarBitPattern::get_AllowedBitValues>(L"AllowedBitValues"),
+    ScriptPut<&IVorCvarBitPattern::put_AllowedBitValues>(L"AllowedBitValues"),
+    ScriptGet<&IVorCvarBitPattern::get_PaddingChar>(L"PaddingChar"),
+    ScriptPut<&IVorCvarBitPattern::put_PaddingChar>(L"PaddingChar"),
+    ScriptGet<&IVorCvarBitPattern::get_PadAlign>(L"PadAlign"),
+    ScriptPut<&IVorCvarBitPattern::put_PadAlign>(L"PadAlign"),
+    ScriptGet<&IVorCvarBitPattern::get_SizeAlign>(L"SizeAlign"),
+    ScriptPut<&IVorCvarBitPattern::put_SizeAlign>(L"SizeAlign"),
+};
+
+}  // namespace
+
+template <>
+std::span<const ScriptMember> TypedScriptMembers<IVorCvarBitPattern>() noexcept {
+  return kMembers;
+}
+
+}  // namespace cvars
