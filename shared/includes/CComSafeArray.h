@@ -38,7 +38,7 @@ inline constexpr VARTYPE kElementType<ULONGLONG> = VT_UI8;
 
 /// Owning array: copied with it and destroyed with it. The dimensions count from 0 here.
 template <class T, VARTYPE kType = cvars::kElementType<T>>
-class CComSafeArray {
+class CVARS_API CComSafeArray {
   static_assert(kType != VT_EMPTY, "name the element tag of this type");
 
  public:

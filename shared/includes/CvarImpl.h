@@ -5,6 +5,7 @@
 #include <type_traits>
 
 #include "CComBSTR.h"
+#include "CComSafeArray.h"
 #include "CComVariant.h"
 #include "CvarCore.h"
 #include "CvarText.h"
@@ -29,8 +30,17 @@ inline CComVariant ToVariant(unsigned int value) {
   return variant;
 }
 inline CComVariant ToVariant(const CComBSTR& value) { return CComVariant(value); }
+CVARS_API CComVariant ToVariant(const CComSafeArray<VARIANT>& value);
 /// A cvar without a value.
 inline CComVariant ToVariant(char) { return CComVariant(); }
+
+/// Says whether two values of a cvar are the same.
+template <class ValueType>
+bool SameValue(const ValueType& a, const ValueType& b) {
+  return a == b;
+}
+/// Arrays are the same when their dimensions, extents and elements are; lower bounds do not count.
+CVARS_API bool SameValue(const CComSafeArray<VARIANT>& a, const CComSafeArray<VARIANT>& b);
 
 }  // namespace cvars
 
@@ -241,7 +251,14 @@ class CVARS_API IVorCvarImpl : public Interface, public cvars::CvarCore, public 
   }
 
  private:
-  bool Equal(const Field& a, const Field& b) const { return ReadField(a) == ReadField(b); }
+  bool Equal(const Field& a, const Field& b) const {
+    if constexpr (std::is_arithmetic_v<ValueType>) {
+      return a.Get() == b.Get();
+    } else {
+      const cvars::platform::ScopedLock guard(m_lock);
+      return cvars::SameValue(a, b);
+    }
+  }
 
   HRESULT CopyField(const Field& field, ValueType* value) const {
     if (value == nullptr) return E_POINTER;

@@ -57,6 +57,7 @@
 #include "CCvarEnum.h"
 #include "CCvarFileName.h"
 #include "CCvarObjectName.h"
+#include "CCvarSafeArray.h"
 #include "CCvarString.h"
 #include "CvarImpl.h"
 

@@ -64,7 +64,7 @@ struct RecordReference {
 
 /// Tagged value. `vt` says which member holds it; texts, arrays and interfaces are owned. A decimal
 /// lies over the whole of the first 16 bytes: see cvars::GetDecimal.
-struct VARIANT {
+struct CVARS_API VARIANT {
   VARTYPE vt;
   WORD wReserved1;
   WORD wReserved2;
