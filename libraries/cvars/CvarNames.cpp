@@ -17,9 +17,10 @@ struct CvarNames::Block {
   char texts[14];
 
   wchar_t At(std::size_t index) const noexcept {
-    if (!wide) return static_cast<unsigned char>(texts[index]);
+    const char* const bytes = texts;  // longer texts go on behind the array
+    if (!wide) return static_cast<unsigned char>(bytes[index]);
     wchar_t character = 0;
-    std::memcpy(&character, texts + index * sizeof(wchar_t), sizeof(character));
+    std::memcpy(&character, bytes + index * sizeof(wchar_t), sizeof(character));
     return character;
   }
 
