@@ -7,7 +7,7 @@
 #include "ScriptMembers.h"
 #include "ScriptMembersBitPattern.h"
 #include "ScriptMembersChoice.h"
-#include "ScriptMembersDouble.h"
+#include "ScriptMembersNumeric.h"
 #include "ScriptMembersText.h"
 
 /// The counted concrete object of a cvar class.

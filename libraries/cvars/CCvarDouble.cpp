@@ -3,6 +3,7 @@
 #include "CvarDoubleImplMembers.h"
 
 template class IVorCvarImpl<CCvarDouble, IVorCvarDouble, double>;
+template class cvars::NumericCvar<CCvarDouble, IVorCvarDouble, IVorCvarDouble, double>;
 template class IVorCvarDoubleImpl<CCvarDouble, IVorCvarDouble>;
 
 void CCvarDouble::Initialize(const wchar_t* name, double defaultValue, double min, double max,

@@ -39,4 +39,5 @@ class CVARS_API CCvarDouble : public IVorCvarDoubleImpl<CCvarDouble, IVorCvarDou
 };
 
 extern template class IVorCvarImpl<CCvarDouble, IVorCvarDouble, double>;
+extern template class cvars::NumericCvar<CCvarDouble, IVorCvarDouble, IVorCvarDouble, double>;
 extern template class IVorCvarDoubleImpl<CCvarDouble, IVorCvarDouble>;

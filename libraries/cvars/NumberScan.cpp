@@ -208,4 +208,24 @@ const wchar_t* ScanNumber(const wchar_t* first, const wchar_t* last, double* val
   return end;
 }
 
+bool ScanExactInteger(const wchar_t* text, double value, std::int64_t* integer) noexcept {
+  constexpr double kFirstRounded = 9007199254740992.0;  // 2^53
+  if (text == nullptr || !(std::fabs(value) >= kFirstRounded)) return false;
+  while (IsBlank(*text)) ++text;
+  const bool negative = *text == L'-';
+  if (negative || *text == L'+') ++text;
+  // Counted below zero, where there is room for the smallest integer.
+  std::int64_t number = 0;
+  for (; *text >= L'0' && *text <= L'9'; ++text) {
+    if (__builtin_mul_overflow(number, std::int64_t{10}, &number) ||
+        __builtin_sub_overflow(number, static_cast<std::int64_t>(*text - L'0'), &number)) {
+      return false;
+    }
+  }
+  if (!negative && __builtin_sub_overflow(std::int64_t{0}, number, &number)) return false;
+  if (static_cast<double>(number) != value) return false;
+  *integer = number;
+  return true;
+}
+
 }  // namespace cvars

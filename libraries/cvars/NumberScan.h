@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstdint>
+
 #include "Export.h"
 
 namespace cvars {
@@ -23,5 +25,14 @@ constexpr bool IsBlank(wchar_t character) noexcept {
 /// @return the first character after the number; `first` when there is none.
 CVARS_API const wchar_t* ScanNumber(const wchar_t* first, const wchar_t* last,
                                     double* value) noexcept;
+
+/// Reads the whole number at the start of a text exactly, where a double cannot hold it.
+///
+/// @param text     borrowed; what the double was read from.
+/// @param value    the double; the whole number has to be the same but for its rounding, so that a
+///                 prefix or an exponent in the text keeps the double.
+/// @param integer  receives the number; untouched when there is none.
+/// @return whether the text says it better than the double: at 2^53 and above.
+CVARS_API bool ScanExactInteger(const wchar_t* text, double value, std::int64_t* integer) noexcept;
 
 }  // namespace cvars

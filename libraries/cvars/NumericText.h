@@ -4,6 +4,7 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <type_traits>
 
 #include "Bstr.h"
 #include "Export.h"
@@ -61,6 +62,16 @@ CVARS_API void AppendGeneral(std::wstring& text, double value);
 
 /// Appends an integer in decimal.
 CVARS_API void AppendDecimal(std::wstring& text, std::int64_t value);
+
+/// Appends a number without unit or prefix: a double as AppendGeneral, an integer as AppendDecimal.
+template <class Number>
+void AppendPlain(std::wstring& text, Number number) {
+  if constexpr (std::is_floating_point_v<Number>) {
+    AppendGeneral(text, number);
+  } else {
+    AppendDecimal(text, number);
+  }
+}
 
 /// A prefix and what it multiplies by.
 struct NumberPrefix {

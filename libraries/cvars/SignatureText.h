@@ -18,14 +18,10 @@ class SignatureText {
     Label(label) += value;
     return *this;
   }
-  /// Adds a number as "%g" prints it.
-  SignatureText& AddGeneral(std::wstring_view label, double value) {
-    AppendGeneral(Label(label), value);
-    return *this;
-  }
-  /// Adds an integer in decimal.
-  SignatureText& AddInteger(std::wstring_view label, std::int64_t value) {
-    AppendDecimal(Label(label), value);
+  /// Adds a number as AppendPlain writes it.
+  template <class Number>
+  SignatureText& AddNumber(std::wstring_view label, Number value) {
+    AppendPlain(Label(label), value);
     return *this;
   }
 

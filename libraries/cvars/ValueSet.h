@@ -74,11 +74,7 @@ std::wstring MembersText(const std::set<T>& members) {
   std::wstring text;
   for (const T member : members) {
     if (!text.empty()) text += L',';
-    if constexpr (std::is_floating_point_v<T>) {
-      AppendGeneral(text, member);
-    } else {
-      AppendDecimal(text, member);
-    }
+    AppendPlain(text, member);
   }
   return text;
 }

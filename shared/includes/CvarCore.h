@@ -212,6 +212,12 @@ class CVARS_API CvarCore : public CvarBaseCpp {
     m_pending.Add(NOTIFY_ATTRIBUTES);
   }
 
+  /// The steps of an increment in the direction that the flags say.
+  int DirectedSteps(int steps) const noexcept {
+    if (!HasFlag(CVARFLAG_REVERSEINCREMENT)) return steps;
+    return steps == INT32_MIN ? INT32_MAX : -steps;
+  }
+
   bool NotificationsSuspended() const noexcept {
     return m_suspensions.load(std::memory_order_relaxed) != 0;
   }
