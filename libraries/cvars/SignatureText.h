@@ -25,6 +25,11 @@ class SignatureText {
     return *this;
   }
 
+  /// Adds an integer of any width in decimal.
+  SignatureText& AddInteger(std::wstring_view label, std::int64_t value) {
+    return AddNumber(label, value);
+  }
+
   const std::wstring& Text() const noexcept { return m_text; }
 
  private:
