@@ -10,6 +10,7 @@ Oscilloscope::Oscilloscope() {
   m_bags.push_back(MakeHorizontalBag());
   for (int number = 1; number <= kChannelCount; ++number) m_bags.push_back(MakeChannelBag(number));
   m_bags.push_back(MakeTriggerBag());
+  m_bags.push_back(MakeMaskBag());
   m_bags.push_back(MakeStorageBag());
 }
 

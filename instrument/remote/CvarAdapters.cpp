@@ -11,10 +11,8 @@ struct AdapterRow {
 };
 
 constexpr AdapterRow kAdapters[] = {
-    {L"Double", DoubleAdapter},
-    {L"FileName", TextAdapter},
-    {L"ObjectName", TextAdapter},
-    {L"String", TextAdapter},
+    {L"Double", DoubleAdapter},   {L"FileName", TextAdapter}, {L"ObjectName", TextAdapter},
+    {L"SafeArray", ArrayAdapter}, {L"String", TextAdapter},
 };
 
 }  // namespace

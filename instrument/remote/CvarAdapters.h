@@ -9,6 +9,8 @@ namespace cvars::remote {
 /// Numbers with units, and the words that stand for numbers.
 const CvarAdapter& DoubleAdapter();
 
+/// Tables as texts in quotes or as blocks, and DEFault.
+const CvarAdapter& ArrayAdapter();
 /// Texts in quotes, and DEFault.
 const CvarAdapter& TextAdapter();
 

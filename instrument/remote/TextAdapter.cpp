@@ -32,16 +32,6 @@ class QuotedTextAdapter final : public CvarAdapter {
     if (error == ScpiError::kNone) AppendQuoted(text, answer);
     return error;
   }
-
- private:
-  static void AppendQuoted(const std::string& text, std::string& answer) {
-    answer += '"';
-    for (const char character : text) {
-      if (character == '"') answer += '"';
-      answer += character;
-    }
-    answer += '"';
-  }
 };
 
 }  // namespace

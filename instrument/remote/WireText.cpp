@@ -54,6 +54,15 @@ void AppendToWire(std::wstring_view text, std::string& wire) {
   }
 }
 
+void AppendQuoted(std::string_view text, std::string& wire) {
+  wire += '"';
+  for (const char character : text) {
+    if (character == '"') wire += '"';
+    wire += character;
+  }
+  wire += '"';
+}
+
 std::wstring FromWire(std::string_view wire) {
   std::wstring text;
   text.reserve(wire.size());

@@ -8,6 +8,9 @@ namespace cvars::remote {
 /// Appends a wide text as UTF-8; what is no character becomes U+FFFD.
 void AppendToWire(std::wstring_view text, std::string& wire);
 
+/// Appends a UTF-8 text as a string of the command language: in quotes, its own quotes doubled.
+void AppendQuoted(std::string_view text, std::string& wire);
+
 /// Reads UTF-8; bytes that are none become U+FFFD.
 std::wstring FromWire(std::string_view wire);
 

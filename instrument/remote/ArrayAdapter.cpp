@@ -1,0 +1,70 @@
+// Tables as texts in quotes or as definite-length blocks, and DEFault.
+
+#include <string>
+
+#include "instrument/remote/CvarAdapters.h"
+#include "instrument/remote/Syntax.h"
+#include "instrument/remote/WireText.h"
+
+namespace cvars::remote {
+namespace {
+
+void AppendBlock(const std::string& bytes, std::string& answer) {
+  const std::string length = std::to_string(bytes.size());
+  answer += '#';
+  answer += std::to_string(length.size());
+  answer += length;
+  answer += bytes;
+}
+
+class TableAdapter final : public CvarAdapter {
+ public:
+  ScpiError Set(IVorCvar& cvar, const CommandCall& call) const override {
+    if (const ScpiError error = CheckParameterCount(call, 1, 1); error != ScpiError::kNone) {
+      return error;
+    }
+    const Parameter& parameter = call.unit.parameters.front();
+    if (parameter.kind == Parameter::Kind::kWord && IsMnemonic("DEFault", parameter.text)) {
+      return ErrorOf(cvar.SetToDefault());
+    }
+    std::wstring text;
+    if (parameter.kind == Parameter::Kind::kString) {
+      text = FromWire(Unquote(parameter.text));
+    } else if (parameter.kind == Parameter::Kind::kBlock) {
+      text = FromWire(parameter.text);
+    } else {
+      return ScpiError::kDataTypeError;
+    }
+    return ErrorOf(cvar.SetRequestedValueFromStringRemote(text.c_str()));
+  }
+
+  // "MASK:POINTS? BLOCK" answers with a block.
+  ScpiError Query(IVorCvar& cvar, const CommandCall& call, std::string& answer) const override {
+    ScpiError error = CheckParameterCount(call, 0, 1);
+    if (error != ScpiError::kNone) return error;
+    const bool asBlock = !call.unit.parameters.empty();
+    if (asBlock) {
+      const Parameter& form = call.unit.parameters.front();
+      if (form.kind != Parameter::Kind::kWord) return ScpiError::kDataTypeError;
+      if (!IsMnemonic("BLOCk", form.text)) return ScpiError::kIllegalParameterValue;
+    }
+    std::string text;
+    error = AppendValue(cvar, text);
+    if (error != ScpiError::kNone) return error;
+    if (asBlock) {
+      AppendBlock(text, answer);
+    } else {
+      AppendQuoted(text, answer);
+    }
+    return error;
+  }
+};
+
+}  // namespace
+
+const CvarAdapter& ArrayAdapter() {
+  static const TableAdapter adapter;
+  return adapter;
+}
+
+}  // namespace cvars::remote
