@@ -228,4 +228,27 @@ bool ScanExactInteger(const wchar_t* text, double value, std::int64_t* integer) 
   return true;
 }
 
+const wchar_t* ScanHexadecimal(const wchar_t* first, const wchar_t* last,
+                               std::uint32_t* value) noexcept {
+  const auto digitAt = [last](const wchar_t* at) noexcept {
+    if (at == last) return -1;
+    if (*at >= L'0' && *at <= L'9') return static_cast<int>(*at - L'0');
+    if (*at >= L'a' && *at <= L'f') return static_cast<int>(*at - L'a' + 10);
+    if (*at >= L'A' && *at <= L'F') return static_cast<int>(*at - L'A' + 10);
+    return -1;
+  };
+  const wchar_t* at = first;
+  while (at != last && IsBlank(*at)) ++at;
+  const bool negative = at != last && *at == L'-';
+  if (at != last && (*at == L'-' || *at == L'+')) ++at;
+  if (last - at >= 2 && at[0] == L'0' && (at[1] == L'x' || at[1] == L'X')) at += 2;
+  if (digitAt(at) < 0) return first;
+  std::uint32_t number = 0;
+  for (int digit = digitAt(at); digit >= 0; digit = digitAt(++at)) {
+    number = number << 4 | static_cast<std::uint32_t>(digit);
+  }
+  *value = negative ? 0u - number : number;
+  return at;
+}
+
 }  // namespace cvars

@@ -35,4 +35,16 @@ CVARS_API const wchar_t* ScanNumber(const wchar_t* first, const wchar_t* last,
 /// @return whether the text says it better than the double: at 2^53 and above.
 CVARS_API bool ScanExactInteger(const wchar_t* text, double value, std::int64_t* integer) noexcept;
 
+/// Reads a hexadecimal integer from the start of a text.
+///
+/// Accepts what the C scan "%x" accepts: leading blanks, a sign, "0x", digits in any case. "0x"
+/// without a digit behind it is no number.
+///
+/// @param first  borrowed, start of the text.
+/// @param last   end of the text.
+/// @param value  receives the low 32 bits, negated for "-"; untouched when there is no number.
+/// @return the first character after the number; `first` when there is none.
+CVARS_API const wchar_t* ScanHexadecimal(const wchar_t* first, const wchar_t* last,
+                                         std::uint32_t* value) noexcept;
+
 }  // namespace cvars

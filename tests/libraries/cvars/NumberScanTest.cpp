@@ -157,4 +157,41 @@ TEST(ScanNumberPropertyTest, ReadsWhatTheCLibraryReads) {
   }
 }
 
+struct HexadecimalCase {
+  const char* name;
+  const wchar_t* text;
+  std::uint32_t value;
+  std::ptrdiff_t read;
+};
+
+class HexadecimalTest : public testing::TestWithParam<HexadecimalCase> {};
+
+TEST_P(HexadecimalTest, Reads) {
+  const std::wstring_view text = GetParam().text;
+  std::uint32_t value = 77;
+  const wchar_t* const end = cvars::ScanHexadecimal(text.data(), text.data() + text.size(), &value);
+  EXPECT_EQ(GetParam().read, end - text.data());
+  EXPECT_EQ(GetParam().value, value);
+}
+
+constexpr HexadecimalCase kHexadecimalCases[] = {
+    {"Digits", L"ff0000", 0xFF0000, 6},
+    {"AnyCase", L"aBcDeF", 0xABCDEF, 6},
+    {"Prefix", L"0xFf", 0xFF, 4},
+    {"UpperPrefix", L"0X1f", 0x1F, 4},
+    {"LeadingBlanks", L" \t1", 1, 3},
+    {"PlusSign", L"+12", 0x12, 3},
+    {"MinusSign", L"-1", 0xFFFFFFFF, 2},
+    {"StopsAtTheFirstOther", L"12g4", 0x12, 2},
+    {"LongRunsKeepTheLowBits", L"123456789ABCDEF01", 0xABCDEF01, 17},
+    {"Empty", L"", 77, 0},
+    {"NoDigit", L"green", 77, 0},
+    {"PrefixAlone", L"0x", 77, 0},
+    {"PrefixWithoutDigit", L"0xg", 77, 0},
+    {"SignAlone", L"-", 77, 0},
+    {"ZeroIsANumber", L"0", 0, 1},
+};
+INSTANTIATE_TEST_SUITE_P(Table, HexadecimalTest, testing::ValuesIn(kHexadecimalCases),
+                         [](const auto& row) { return std::string(row.param.name); });
+
 }  // namespace
