@@ -56,6 +56,8 @@
 
 // Cvar classes.
 #include "CCvarBitPattern.h"
+#include "CCvarBool.h"
+#include "CCvarColor.h"
 #include "CCvarDouble.h"
 #include "CCvarEnum.h"
 #include "CCvarFileName.h"

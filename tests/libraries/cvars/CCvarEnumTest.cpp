@@ -7,12 +7,13 @@
 #include <string>
 
 #include "CvarObject.h"
+#include "PropertyOf.h"
 #include "RecordingListener.h"
-#include "SafeArray.h"
 
 namespace {
 
 using cvars::test::PlainObject;
+using cvars::test::PropertyOf;
 using cvars::test::RecordingListener;
 using Masks = std::vector<NOTIFYTYPE>;
 using Enum = CComPtr<CvarObject<CCvarEnum>>;
@@ -1055,29 +1056,12 @@ TEST(EnumSignatureTest, AnIndexWithoutEntryIsEmpty) {
 
 TEST(EnumPropertiesTest, AddsItsOwnToTheCommonOnes) {
   const Enum cvar = MakeEnum(L"A,B b", 1);
-  CComVariant properties;
-  EXPECT_EQ(S_OK, cvar->GetSignature(&properties));
-  LONG upper = 0;
-  ASSERT_EQ(S_OK, SafeArrayGetUBound(properties.parray, 2, &upper));
-  EXPECT_EQ(12, upper);
-  const auto property = [&](std::wstring_view name) {
-    for (LONG i = 0; i <= upper; ++i) {
-      CComVariant key;
-      CComVariant value;
-      const LONG keyPlace[] = {0, i};
-      const LONG valuePlace[] = {1, i};
-      EXPECT_EQ(S_OK, SafeArrayGetElement(properties.parray, keyPlace, &key));
-      EXPECT_EQ(S_OK, SafeArrayGetElement(properties.parray, valuePlace, &value));
-      if (key.bstrVal == name) return value;
-    }
-    return CComVariant();
-  };
-  EXPECT_EQ(1, property(L"RequestedValue").lVal);
-  EXPECT_EQ(1, property(L"AdaptedValue").lVal);
-  EXPECT_EQ(1, property(L"Default").lVal);
-  EXPECT_STREQ(L"B b", property(L"AdaptedValueStringScreen").bstrVal);
-  EXPECT_STREQ(L"A|A|A,B b|Bb|BB", property(L"Range").bstrVal);
-  EXPECT_STREQ(L"Enum", property(L"Type").bstrVal);
+  EXPECT_EQ(1, PropertyOf(*cvar, L"RequestedValue").lVal);
+  EXPECT_EQ(1, PropertyOf(*cvar, L"AdaptedValue").lVal);
+  EXPECT_EQ(1, PropertyOf(*cvar, L"Default").lVal);
+  EXPECT_STREQ(L"B b", PropertyOf(*cvar, L"AdaptedValueStringScreen").bstrVal);
+  EXPECT_STREQ(L"A|A|A,B b|Bb|BB", PropertyOf(*cvar, L"Range").bstrVal);
+  EXPECT_STREQ(L"Enum", PropertyOf(*cvar, L"Type").bstrVal);
 }
 
 // Pointers
