@@ -9,6 +9,7 @@
 #include "instrument/remote/BagCommands.h"
 #include "instrument/remote/CommandServer.h"
 #include "instrument/remote/StandardCommands.h"
+#include "instrument/remote/SwitchCommand.h"
 
 namespace {
 
@@ -25,6 +26,9 @@ int Serve(const ListenAddress& where) {
       return 1;
     }
   }
+  table.Add("HORizontal:TRACk",
+            MakeSwitchCommand([&scope] { return scope.Window().Tracks(); },
+                              [&scope](bool on) { scope.Window().SetTracks(on); }));
   const Device device{"Vortana,CVAR-SCOPE,0," CVARS_VERSION, [&scope] { scope.Reset(); }};
   CommandServer server(table, device, where);
   server.StopOnSignals();

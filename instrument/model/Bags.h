@@ -1,5 +1,7 @@
 #pragma once
 
+#include <span>
+
 #include "CComPtr.h"
 #include "CCvarBag.h"
 
@@ -13,6 +15,12 @@ CComPtr<CCvarBag> MakeChannelBag(int number);
 CComPtr<CCvarBag> MakeTriggerBag();
 /// Points of the mask that waveforms are tested against.
 CComPtr<CCvarBag> MakeMaskBag();
+/// What the front panel shows of the channels: one read-only cvar a setting, which follows it.
+///
+/// The copies are made on another thread, so that a burst of changes is shown once; without a
+/// notifier to do so they are made at once.
+/// @param channels  the bags of the channels, in order.
+CComPtr<CCvarBag> MakeDisplayBag(std::span<const CComPtr<CCvarBag>> channels);
 /// Where waveforms and set-ups are saved.
 CComPtr<CCvarBag> MakeStorageBag();
 

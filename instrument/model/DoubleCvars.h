@@ -2,7 +2,7 @@
 
 #include <span>
 
-#include "CCvarBag.h"
+#include "Cvars.h"
 
 namespace cvars::model {
 
@@ -15,6 +15,9 @@ struct DoubleRow {
   double grain;  ///< a step, or when negative a number of significant digits
   const wchar_t* unit;
 };
+
+/// Makes the cvar of a row.
+CComPtr<CvarObject<CCvarDouble>> MakeDoubleCvar(const DoubleRow& row);
 
 /// Makes the cvars of the rows and adds them to the bag.
 void AddDoubleCvars(CCvarBag& bag, std::span<const DoubleRow> rows);

@@ -8,14 +8,19 @@ namespace cvars::model {
 
 Oscilloscope::Oscilloscope() {
   m_bags.push_back(MakeHorizontalBag());
+  m_window.emplace(*m_bags.front());
   for (int number = 1; number <= kChannelCount; ++number) m_bags.push_back(MakeChannelBag(number));
   m_bags.push_back(MakeTriggerBag());
   m_bags.push_back(MakeMaskBag());
   m_bags.push_back(MakeStorageBag());
+  m_display = MakeDisplayBag(std::span(m_bags).subspan(1, kChannelCount));
+  m_bags.push_back(m_display);
 }
 
 void Oscilloscope::Reset() {
+  m_window->SetTracks(false);
   for (const CComPtr<CCvarBag>& bag : m_bags) {
+    if (bag == m_display) continue;
     long count = 0;
     if (bag->get_Count(&count) != S_OK) continue;
     for (long index = 0; index < count; ++index) {

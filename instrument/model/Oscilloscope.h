@@ -1,10 +1,12 @@
 #pragma once
 
+#include <optional>
 #include <span>
 #include <vector>
 
 #include "CComPtr.h"
 #include "CCvarBag.h"
+#include "instrument/model/WindowScale.h"
 
 namespace cvars::model {
 
@@ -21,9 +23,13 @@ class Oscilloscope {
   std::span<const CComPtr<CCvarBag>> Bags() const noexcept { return m_bags; }
   /// Puts every setting that can be written back to its default.
   void Reset();
+  /// The time scale of the window; a reset frees it.
+  WindowScale& Window() noexcept { return *m_window; }
 
  private:
   std::vector<CComPtr<CCvarBag>> m_bags;
+  std::optional<WindowScale> m_window;
+  CComPtr<CCvarBag> m_display;  // one of the bags; it shows settings and has none
 };
 
 }  // namespace cvars::model
