@@ -6,6 +6,11 @@
 
 #include "Unknown.h"
 
+// Of the component runtime; see platform/Components.h.
+CVARS_API HRESULT CLSIDFromProgID(const wchar_t* progId, CLSID* clsid);
+CVARS_API HRESULT CoCreateInstance(REFCLSID clsid, IUnknown* outer, DWORD context, REFIID iid,
+                                   void** object);
+
 /// Owning pointer to a counted object: holds one reference, released with it.
 template <class T>
 class CComPtr {
@@ -96,6 +101,27 @@ class CComPtr {
     return answer;
   }
 
+  /// Makes an object of a class and holds it in place of what was held.
+  ///
+  /// @param context  CLSCTX_ bits; every place a class can run at unless said.
+  /// @return what the component runtime answered; nothing is held after a failure
+  HRESULT CoCreateInstance(REFCLSID clsid, IUnknown* outer = nullptr, DWORD context = kAnyContext) {
+    Release();
+    void* made = nullptr;
+    const HRESULT result =
+        ::CoCreateInstance(clsid, outer, context, cvars::InterfaceId<T>::value, &made);
+    if (SUCCEEDED(result)) p = static_cast<T*>(made);
+    return result;
+  }
+  /// As above for the class of a programmatic identifier ("Vortana.MessageBox").
+  HRESULT CoCreateInstance(const wchar_t* progId, IUnknown* outer = nullptr,
+                           DWORD context = kAnyContext) {
+    Release();
+    CLSID clsid = {};
+    const HRESULT found = ::CLSIDFromProgID(progId, &clsid);
+    return FAILED(found) ? found : CoCreateInstance(clsid, outer, context);
+  }
+
   /// Tells whether both are the same object, whatever interface each pointer is of.
   bool IsEqualObject(IUnknown* other) const {
     if (p == nullptr || other == nullptr) return p == nullptr && other == nullptr;
@@ -116,4 +142,7 @@ class CComPtr {
 
   /// The object itself; borrowed.
   T* p = nullptr;
+
+ private:
+  static constexpr DWORD kAnyContext = 0x17;
 };

@@ -53,3 +53,8 @@ class IVorAsynchronousCvarNotifier : public IUnknown {
  protected:
   ~IVorAsynchronousCvarNotifier() = default;
 };
+
+template <>
+struct cvars::InterfaceId<IVorAsynchronousCvarNotifier> {
+  static constexpr IID value = IID_IVorAsynchronousCvarNotifier;
+};

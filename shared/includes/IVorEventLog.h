@@ -26,3 +26,8 @@ class IVorEventLog : public IUnknown {
  protected:
   ~IVorEventLog() = default;
 };
+
+template <>
+struct cvars::InterfaceId<IVorEventLog> {
+  static constexpr IID value = IID_IVorEventLog;
+};

@@ -26,3 +26,8 @@ class IVorEventLogMgr : public IUnknown {
  protected:
   ~IVorEventLogMgr() = default;
 };
+
+template <>
+struct cvars::InterfaceId<IVorEventLogMgr> {
+  static constexpr IID value = IID_IVorEventLogMgr;
+};

@@ -29,3 +29,8 @@ class IVorMessageBox : public IUnknown {
  protected:
   ~IVorMessageBox() = default;
 };
+
+template <>
+struct cvars::InterfaceId<IVorMessageBox> {
+  static constexpr IID value = IID_IVorMessageBox;
+};

@@ -27,3 +27,8 @@ class IVorPhysicalUnit : public IUnknown {
  protected:
   ~IVorPhysicalUnit() = default;
 };
+
+template <>
+struct cvars::InterfaceId<IVorPhysicalUnit> {
+  static constexpr IID value = IID_IVorPhysicalUnit;
+};

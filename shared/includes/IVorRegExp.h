@@ -30,3 +30,8 @@ class IVorRegExp : public IUnknown {
  protected:
   ~IVorRegExp() = default;
 };
+
+template <>
+struct cvars::InterfaceId<IVorRegExp> {
+  static constexpr IID value = IID_IVorRegExp;
+};

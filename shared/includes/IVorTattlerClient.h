@@ -39,3 +39,8 @@ class IVorTattlerClient : public IUnknown {
  protected:
   ~IVorTattlerClient() = default;
 };
+
+template <>
+struct cvars::InterfaceId<IVorTattlerClient> {
+  static constexpr IID value = IID_IVorTattlerClient;
+};

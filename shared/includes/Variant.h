@@ -1,7 +1,5 @@
 #pragma once
 
-#include <cstring>
-
 #include "Bstr.h"
 #include "Unknown.h"
 
@@ -43,8 +41,12 @@ enum VARENUM : VARTYPE {
 struct SAFEARRAY;
 
 /// Currency: 64-bit integer scaled by 10000.
-struct CY {
+union CY {
   LONGLONG int64;
+  __extension__ struct {
+    ULONG Lo;
+    LONG Hi;
+  };
 };
 
 /// Decimal: 96-bit magnitude, sign 0 or 0x80, scale 0 to 28 (power of ten divisor).
@@ -63,57 +65,62 @@ struct RecordReference {
 };
 
 /// Tagged value. `vt` says which member holds it; texts, arrays and interfaces are owned. A decimal
-/// lies over the whole of the first 16 bytes: see cvars::GetDecimal.
+/// lies over the whole of the first 16 bytes, `vt` included: set `decVal` first and `vt` after it.
 struct CVARS_API VARIANT {
-  VARTYPE vt;
-  WORD wReserved1;
-  WORD wReserved2;
-  WORD wReserved3;
-  union {
-    LONGLONG llVal;
-    LONG lVal;
-    BYTE bVal;
-    SHORT iVal;
-    float fltVal;
-    double dblVal;
-    VARIANT_BOOL boolVal;
-    SCODE scode;
-    CY cyVal;
-    DATE date;
-    BSTR bstrVal;
-    IUnknown* punkVal;
-    IDispatch* pdispVal;
-    SAFEARRAY* parray;
-    char cVal;
-    USHORT uiVal;
-    ULONG ulVal;
-    ULONGLONG ullVal;
-    INT intVal;
-    UINT uintVal;
-    void* byref;
-    BYTE* pbVal;
-    SHORT* piVal;
-    LONG* plVal;
-    LONGLONG* pllVal;
-    float* pfltVal;
-    double* pdblVal;
-    VARIANT_BOOL* pboolVal;
-    SCODE* pscode;
-    CY* pcyVal;
-    DATE* pdate;
-    BSTR* pbstrVal;
-    IUnknown** ppunkVal;
-    IDispatch** ppdispVal;
-    SAFEARRAY** pparray;
-    VARIANT* pvarVal;
-    DECIMAL* pdecVal;
-    char* pcVal;
-    USHORT* puiVal;
-    ULONG* pulVal;
-    ULONGLONG* pullVal;
-    INT* pintVal;
-    UINT* puintVal;
-    RecordReference brecVal;
+  __extension__ union {
+    __extension__ struct {
+      VARTYPE vt;
+      WORD wReserved1;
+      WORD wReserved2;
+      WORD wReserved3;
+      union {
+        LONGLONG llVal;
+        LONG lVal;
+        BYTE bVal;
+        SHORT iVal;
+        float fltVal;
+        double dblVal;
+        VARIANT_BOOL boolVal;
+        SCODE scode;
+        CY cyVal;
+        DATE date;
+        BSTR bstrVal;
+        IUnknown* punkVal;
+        IDispatch* pdispVal;
+        SAFEARRAY* parray;
+        char cVal;
+        USHORT uiVal;
+        ULONG ulVal;
+        ULONGLONG ullVal;
+        INT intVal;
+        UINT uintVal;
+        void* byref;
+        BYTE* pbVal;
+        SHORT* piVal;
+        LONG* plVal;
+        LONGLONG* pllVal;
+        float* pfltVal;
+        double* pdblVal;
+        VARIANT_BOOL* pboolVal;
+        SCODE* pscode;
+        CY* pcyVal;
+        DATE* pdate;
+        BSTR* pbstrVal;
+        IUnknown** ppunkVal;
+        IDispatch** ppdispVal;
+        SAFEARRAY** pparray;
+        VARIANT* pvarVal;
+        DECIMAL* pdecVal;
+        char* pcVal;
+        USHORT* puiVal;
+        ULONG* pulVal;
+        ULONGLONG* pullVal;
+        INT* pintVal;
+        UINT* puintVal;
+        RecordReference brecVal;
+      };
+    };
+    DECIMAL decVal;
   };
 };
 static_assert(sizeof(VARIANT) == 24);
@@ -121,14 +128,13 @@ static_assert(sizeof(VARIANT) == 24);
 namespace cvars {
 /// The decimal that a VT_DECIMAL variant holds.
 inline DECIMAL GetDecimal(const VARIANT& variant) noexcept {
-  DECIMAL value;
-  std::memcpy(&value, static_cast<const void*>(&variant), sizeof(value));
+  DECIMAL value = variant.decVal;
   value.wReserved = 0;
   return value;
 }
 /// Makes a variant hold a decimal, without freeing what it held.
 inline void SetDecimal(VARIANT& variant, const DECIMAL& value) noexcept {
-  std::memcpy(static_cast<void*>(&variant), &value, sizeof(value));
+  variant.decVal = value;
   variant.vt = VT_DECIMAL;
 }
 }  // namespace cvars

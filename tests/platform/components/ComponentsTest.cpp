@@ -129,6 +129,24 @@ TEST_F(ComponentsTest, CreateComponentOfUnknownIdentifier) {
   EXPECT_EQ(CreateComponent(kRegExp, IID_IUnknown, nullptr), E_POINTER);
 }
 
+TEST_F(ComponentsTest, OwningPointerMakesAnObjectByClassOrProgrammaticIdentifier) {
+  OnFreshThread([] {
+    CComPtr<IVorRegExp> made;
+    EXPECT_EQ(made.CoCreateInstance(CLSID_RegExp), CO_E_NOTINITIALIZED);
+    ASSERT_EQ(CoInitialize(nullptr), S_OK);
+    EXPECT_EQ(made.CoCreateInstance(CLSID_RegExp), S_OK);
+    EXPECT_EQ(made.CoCreateInstance(kRegExp, nullptr, CLSCTX_INPROC_SERVER), S_OK);
+    EXPECT_NE(made.p, nullptr);
+    CComPtr<IVorRegExp> other;
+    EXPECT_EQ(other.CoCreateInstance(kRegExp), S_OK);
+    EXPECT_NE(other.p, made.p);
+    EXPECT_EQ(other.CoCreateInstance(L"Vortana.Nothing"), CO_E_CLASSSTRING);
+    EXPECT_EQ(other.p, nullptr);
+    made = nullptr;
+    CoUninitialize();
+  });
+}
+
 TEST_F(ComponentsTest, InterfaceThatIsNotOffered) {
   void* object = this;
   EXPECT_EQ(CreateComponent(kRegExp, kUnknownClass, &object), E_NOINTERFACE);

@@ -122,6 +122,39 @@ TEST(OwningVariant, TagsFollowTheArgument) {
   EXPECT_EQ(CComVariant(1u).vt, VT_UI4);
 }
 
+TEST(Variants, CurrencyIsReadWholeOrInHalves) {
+  VARIANT value{};
+  value.vt = VT_CY;
+  value.cyVal.int64 = -15000;  // -1.5
+  EXPECT_EQ(value.cyVal.Lo, 0xFFFFC568u);
+  EXPECT_EQ(value.cyVal.Hi, -1);
+  value.cyVal.Hi = 0;
+  EXPECT_EQ(value.cyVal.int64, 0xFFFFC568);
+  EXPECT_EQ(value.vt, VT_CY);
+}
+
+TEST(Variants, DecimalLiesOverTheTag) {
+  VARIANT value{};
+  value.decVal = {0, 2, 0x80, 0, 12345};
+  value.vt = VT_DECIMAL;
+  EXPECT_EQ(value.decVal.scale, 2);
+  EXPECT_EQ(value.decVal.sign, 0x80);
+  EXPECT_EQ(value.decVal.Lo64, 12345u);
+  EXPECT_EQ(value.decVal.wReserved, VT_DECIMAL);
+  CComVariant text(value);
+  ASSERT_EQ(text.ChangeType(VT_BSTR), S_OK);
+  EXPECT_STREQ(text.bstrVal, L"-123.45");
+}
+
+TEST(Variants, DateIsANumberOfDays) {
+  VARIANT value{};
+  value.vt = VT_DATE;
+  value.date = 2.5;
+  CComVariant number(value);
+  ASSERT_EQ(number.ChangeType(VT_R8), S_OK);
+  EXPECT_EQ(number.dblVal, 2.5);
+}
+
 TEST(OwningArray, CopiesAreIndependent) {
   CComSafeArray<VARIANT> array;
   ASSERT_EQ(array.Add(CComVariant(L"one")), S_OK);
