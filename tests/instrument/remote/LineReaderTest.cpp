@@ -55,7 +55,7 @@ const LineCase kLineCases[] = {
 
 TEST(LineReaderTest, CutsLinesWhateverThePieces) {
   for (const LineCase& row : kLineCases) {
-    for (std::size_t pieceSize : {1, 2, 3, 7, 1000}) {
+    for (const std::size_t pieceSize : {1U, 2U, 3U, 7U, 1000U}) {
       EXPECT_EQ(Lines(row.input, pieceSize), row.lines) << row.name << ", pieces of " << pieceSize;
     }
   }
