@@ -26,7 +26,7 @@ class AsynchronousNotifier {
 
  private:
   std::mutex m_lock;
-  CComPtr<IVorAsynchronousCvarNotifier> m_notifier CVARS_GUARDED_BY(m_lock);
+  CComPtr<IVorAsynchronousCvarNotifier> m_notifier;  // guarded by m_lock
 };
 
 }  // namespace cvars
