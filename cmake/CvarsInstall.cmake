@@ -23,6 +23,10 @@ configure_file("${CMAKE_CURRENT_LIST_DIR}/InstallReachedHeaders.cmake.in"
   "${PROJECT_BINARY_DIR}/InstallReachedHeaders.cmake" @ONLY)
 install(SCRIPT "${PROJECT_BINARY_DIR}/InstallReachedHeaders.cmake" COMPONENT libcvars-dev)
 
+if(TARGET cvar-scope)
+  install(TARGETS cvar-scope RUNTIME DESTINATION "${CMAKE_INSTALL_BINDIR}" COMPONENT cvar-scope)
+endif()
+
 foreach(helper IN ITEMS Components Resources Versions)
   if(EXISTS "${CMAKE_CURRENT_LIST_DIR}/Cvars${helper}.cmake")
     install(FILES "${CMAKE_CURRENT_LIST_DIR}/Cvars${helper}.cmake"
