@@ -230,5 +230,30 @@ TEST_F(AsynchronousReplicationTest, TextsMayChangeWhileTheyAreCopied) {
   EXPECT_STREQ(unit, L"V");
 }
 
+// What runs in a child process: leaves it while copies between static cvars are queued and running.
+[[noreturn]] void LeaveDuringCopies() {
+  static std::vector<Double> sources;
+  static std::vector<Double> replicas;
+  for (int i = 0; i < 200; ++i) {
+    sources.push_back(MakeDouble(L"Source"));
+    replicas.push_back(MakeDouble(L"Replica"));
+    if (FAILED(replicas.back()->StartCvarReplication(sources.back(), kAsync, kNone, kFromOther,
+                                                     kEverything))) {
+      _Exit(3);
+    }
+  }
+  for (int value = 1; Requested(replicas[0]) == 0; ++value) {
+    for (const Double& source : sources) (void)source->SetRequestedValue(value);
+  }
+  exit(0);
+}
+
+using AsynchronousReplicationDeathTest = AsynchronousReplicationTest;
+
+TEST_F(AsynchronousReplicationDeathTest, TheProcessMayEndDuringCopies) {
+  testing::FLAGS_gtest_death_test_style = "threadsafe";
+  EXPECT_EXIT(LeaveDuringCopies(), testing::ExitedWithCode(0), "");
+}
+
 }  // namespace
 }  // namespace cvars
