@@ -5,9 +5,9 @@
 #include "CComPtr.h"
 #include "Relaxed.h"
 #include "ScriptMembers.h"
-#include "ScriptMembersBitPattern.h"
 #include "ScriptMembersChoice.h"
 #include "ScriptMembersNumeric.h"
+#include "ScriptMembersStructured.h"
 #include "ScriptMembersText.h"
 
 /// The counted concrete object of a cvar class.

@@ -30,6 +30,7 @@
 #include "IVorCvarEventSink.h"
 #include "IVorCvarInt.h"
 #include "IVorCvarLongInt.h"
+#include "IVorCvarRegister.h"
 #include "IVorPhysicalUnit.h"
 #include "Unknown.h"
 
@@ -64,6 +65,7 @@
 #include "CCvarInt.h"
 #include "CCvarLongInt.h"
 #include "CCvarObjectName.h"
+#include "CCvarRegister.h"
 #include "CCvarSafeArray.h"
 #include "CCvarString.h"
 #include "CvarImpl.h"

@@ -1,9 +1,12 @@
 #pragma once
 
 #include "IVorCvarBitPattern.h"
+#include "IVorCvarRegister.h"
 #include "ScriptMembers.h"
 
 namespace cvars {
 template <>
 CVARS_API std::span<const ScriptMember> TypedScriptMembers<IVorCvarBitPattern>() noexcept;
+template <>
+CVARS_API std::span<const ScriptMember> TypedScriptMembers<IVorCvarRegister>() noexcept;
 }  // namespace cvars

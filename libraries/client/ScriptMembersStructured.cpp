@@ -1,9 +1,9 @@
-#include "ScriptMembersBitPattern.h"
+#include "ScriptMembersStructured.h"
 
 namespace cvars {
 namespace {
 
-constexpr ScriptMember kMembers[] = {
+constexpr ScriptMember kBitPatternMembers[] = {
     ScriptGet<&IVorCvarBitPattern::GetDefaultValue>(L"Default"),
     ScriptGet<&IVorCvarBitPattern::get_DecimalValue>(L"DecimalValue"),
     ScriptPut<&IVorCvarBitPattern::put_DecimalValue>(L"DecimalValue"),
@@ -30,11 +30,34 @@ constexpr ScriptMember kMembers[] = {
     ScriptPut<&IVorCvarBitPattern::put_SizeAlign>(L"SizeAlign"),
 };
 
+constexpr ScriptMember kRegisterMembers[] = {
+    ScriptGet<&IVorCvarRegister::GetDefaultValue>(L"Default"),
+    ScriptPut<&IVorCvarRegister::SetDefaultValue>(L"Default"),
+    ScriptGet<&IVorCvarRegister::GetMask>(L"Mask"),
+    ScriptPut<&IVorCvarRegister::SetMask>(L"Mask"),
+    ScriptGet<&IVorCvarRegister::GetNbOfBits>(L"NbOfBits"),
+    ScriptPut<&IVorCvarRegister::SetNbOfBits>(L"NbOfBits"),
+    ScriptGet<&IVorCvarRegister::GetHardwareAddress>(L"HardwareAddress"),
+    ScriptPut<&IVorCvarRegister::SetHardwareAddress>(L"HardwareAddress"),
+    ScriptGet<&IVorCvarRegister::GetAccessStyle>(L"AccessStyle"),
+    ScriptPut<&IVorCvarRegister::SetAccessStyle>(L"AccessStyle"),
+    ScriptMethod<&IVorCvarRegister::UpdateFromHardware>(L"UpdateFromHardware"),
+    ScriptMethod<&IVorCvarRegister::SetFieldDescription>(L"SetFieldDescription"),
+    ScriptGet<&IVorCvarRegister::GetFieldDescriptionFirstBit>(L"FieldDescriptionFirstBit"),
+    ScriptGet<&IVorCvarRegister::GetFieldDescriptionLastBit>(L"FieldDescriptionLastBit"),
+    ScriptGet<&IVorCvarRegister::GetFieldDescriptionString>(L"FieldDescriptionString"),
+};
+
 }  // namespace
 
 template <>
 std::span<const ScriptMember> TypedScriptMembers<IVorCvarBitPattern>() noexcept {
-  return kMembers;
+  return kBitPatternMembers;
+}
+
+template <>
+std::span<const ScriptMember> TypedScriptMembers<IVorCvarRegister>() noexcept {
+  return kRegisterMembers;
 }
 
 }  // namespace cvars
