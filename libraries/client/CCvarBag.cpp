@@ -33,10 +33,10 @@ CCvarBag::CCvarBag(const wchar_t* name, HINSTANCE module)
     : m_name(cvars::TextOrEmpty(name)), m_module(module) {}
 
 CCvarBag::~CCvarBag() {
-  for (CvarCore* const cvar : m_cvars) {
-    cvar->SetParent(nullptr);
-    cvar->ReleaseReference();
-  }
+  // All before the first goes: what its end sets off may change the others, which must not find a
+  // parent without references.
+  for (CvarCore* const cvar : m_cvars) cvar->SetParent(nullptr);
+  for (CvarCore* const cvar : m_cvars) cvar->ReleaseReference();
 }
 
 HRESULT CCvarBag::Add(CvarCore* cvar) {
@@ -138,6 +138,7 @@ HRESULT CCvarBag::Invoke(DISPID id, REFIID, LCID, WORD flags, DISPPARAMS* parame
                          VARIANT* result, EXCEPINFO* exception, UINT* argumentError) {
   if (exception != nullptr) *exception = {};
   if (argumentError != nullptr) *argumentError = 0;
+  if (result != nullptr) VariantInit(result);
   if (parameters == nullptr) return E_POINTER;
   if ((flags & (DISPATCH_PROPERTYGET | DISPATCH_METHOD)) == 0) return DISP_E_MEMBERNOTFOUND;
   if (parameters->cNamedArgs != 0) return DISP_E_NONAMEDARGS;

@@ -33,7 +33,14 @@ struct In;
 template <class T>
 requires(std::is_integral_v<T> || std::is_enum_v<T>) struct In<T> {
   CComVariant value;
-  HRESULT From(const VARIANT& argument) { return VariantChangeType(&value, &argument, 0, VT_I8); }
+  HRESULT From(const VARIANT& argument) {
+    const HRESULT converted = VariantChangeType(&value, &argument, 0, VT_I8);
+    if (FAILED(converted)) return converted;
+    if constexpr (std::is_integral_v<T> && sizeof(T) <= sizeof(LONG)) {
+      if (!std::in_range<T>(value.llVal)) return DISP_E_OVERFLOW;
+    }
+    return S_OK;
+  }
   T Get() const { return static_cast<T>(value.llVal); }
 };
 template <>
