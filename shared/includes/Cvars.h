@@ -35,6 +35,7 @@
 #include "Unknown.h"
 
 // The platform.
+#include "platform/Bitmap.h"
 #include "platform/Components.h"
 #include "platform/FaultGuard.h"
 #include "platform/HostPath.h"
@@ -62,6 +63,7 @@
 #include "CCvarDouble.h"
 #include "CCvarEnum.h"
 #include "CCvarFileName.h"
+#include "CCvarImage.h"
 #include "CCvarInt.h"
 #include "CCvarLongInt.h"
 #include "CCvarObjectName.h"

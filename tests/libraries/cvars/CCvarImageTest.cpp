@@ -1,0 +1,166 @@
+#include "CCvarImage.h"
+
+#include <gtest/gtest.h>
+
+#include "CvarObject.h"
+#include "RecordingListener.h"
+#include "SafeArray.h"
+#include "platform/Bitmap.h"
+
+namespace {
+
+using cvars::test::RecordingListener;
+using Image = CComPtr<CvarObject<CCvarImage>>;
+using Masks = std::vector<NOTIFYTYPE>;
+
+Image MakeImage() {
+  Image cvar = CvarObject<CCvarImage>::Create();
+  cvar->Initialize(L"Screen", 1, CVARFLAGS(0), L"hints", 7, REPLICATE_VALUE | REPLICATE_REQUESTED);
+  return cvar;
+}
+
+HBITMAP HandleOf(const Image& cvar) {
+  HBITMAP bitmap = nullptr;
+  EXPECT_EQ(cvar->GetBitmapHandle(&bitmap), S_OK);
+  return bitmap;
+}
+
+HBITMAP MakeBitmap(WORD pixel) {
+  const BITMAP description = {0, 1, 1, 2, 1, 16, &pixel};
+  return CreateBitmapIndirect(&description);
+}
+
+bool IsBitmap(HBITMAP bitmap) {
+  BITMAP description;
+  return GetObject(bitmap, sizeof(description), &description) != 0;
+}
+
+std::wstring SignatureOf(const Image& cvar) {
+  CComBSTR text;
+  EXPECT_EQ(cvar->get_Signature(&text), S_OK);
+  return std::wstring(text.View());
+}
+
+TEST(ImageCreate, GivesTheSizeAndTheFirstPixelAndNotifiesOnce) {
+  const Image cvar = MakeImage();
+  const auto listener = RecordingListener::Create();
+  ASSERT_EQ(cvar->AttachCvarEventSink(listener), S_OK);
+  HBITMAP bitmap = nullptr;
+  EXPECT_EQ(cvar->CreateBitmap(4, 3, &bitmap), S_OK);
+  EXPECT_EQ(bitmap, HandleOf(cvar));
+  EXPECT_EQ(SignatureOf(cvar), L"Type,Image,Adapt,<IMAGE>,Flags,-,Width,4,Height,3,Bits,0");
+  EXPECT_EQ(listener->masks, Masks{NOTIFY_VALUE});
+  BITMAP description = {};
+  ASSERT_NE(GetObject(bitmap, sizeof(description), &description), 0);
+  EXPECT_EQ(description.bmWidth, 4);
+  EXPECT_EQ(description.bmHeight, 3);
+  EXPECT_EQ(description.bmBitsPixel, 16);
+}
+
+TEST(ImageCreate, SizesThatCannotBeKeepTheOldBitmap) {
+  const Image cvar = MakeImage();
+  HBITMAP old = nullptr;
+  ASSERT_EQ(cvar->CreateBitmap(2, 2, &old), S_OK);
+  const auto listener = RecordingListener::Create();
+  ASSERT_EQ(cvar->AttachCvarEventSink(listener), S_OK);
+  for (const auto& [width, height] : {std::pair{0, 3}, {3, 0}, {-1, 3}, {2000000000, 2000000000}}) {
+    HBITMAP bitmap = old;
+    EXPECT_EQ(cvar->CreateBitmap(width, height, &bitmap), E_FAIL);
+    EXPECT_EQ(bitmap, nullptr);
+  }
+  EXPECT_EQ(cvar->CreateBitmap(1, 1, nullptr), E_POINTER);
+  EXPECT_EQ(HandleOf(cvar), old);
+  EXPECT_TRUE(listener->masks.empty());
+}
+
+TEST(ImageLoad, MissingFileLeavesNoBitmapKeepsTheSizeAndStillNotifies) {
+  const Image cvar = MakeImage();
+  HBITMAP bitmap = nullptr;
+  ASSERT_EQ(cvar->CreateBitmap(4, 3, &bitmap), S_OK);
+  const auto listener = RecordingListener::Create();
+  ASSERT_EQ(cvar->AttachCvarEventSink(listener), S_OK);
+  EXPECT_EQ(cvar->LoadFromFile(L"C:\\no such file.bmp"), S_OK);
+  EXPECT_EQ(HandleOf(cvar), nullptr);
+  EXPECT_FALSE(IsBitmap(bitmap));
+  EXPECT_EQ(SignatureOf(cvar), L"Type,Image,Adapt,<IMAGE>,Flags,-,Width,4,Height,3,Bits,0");
+  EXPECT_EQ(listener->masks, Masks{NOTIFY_VALUE});
+}
+
+TEST(ImageLoad, WithoutAParentThereIsNoResource) {
+  const Image cvar = MakeImage();
+  const auto listener = RecordingListener::Create();
+  ASSERT_EQ(cvar->AttachCvarEventSink(listener), S_OK);
+  EXPECT_EQ(cvar->LoadFromBitmapResource(1), S_OK);
+  EXPECT_EQ(HandleOf(cvar), nullptr);
+  EXPECT_EQ(listener->masks, Masks{NOTIFY_VALUE});
+}
+
+TEST(ImageLoad, HandleIsOwnedAndDeletedWithTheCvar) {
+  const HBITMAP first = MakeBitmap(1);
+  const HBITMAP second = MakeBitmap(2);
+  {
+    const Image cvar = MakeImage();
+    EXPECT_EQ(cvar->LoadFromHandle(first), S_OK);
+    EXPECT_EQ(cvar->LoadFromHandle(first), S_OK);
+    EXPECT_TRUE(IsBitmap(first));
+    EXPECT_EQ(cvar->LoadFromHandle(second), S_OK);
+    EXPECT_FALSE(IsBitmap(first));
+    EXPECT_EQ(HandleOf(cvar), second);
+  }
+  EXPECT_FALSE(IsBitmap(second));
+}
+
+TEST(ImageValue, IsAPlaceholderThatCannotBeWritten) {
+  const Image cvar = MakeImage();
+  CComVariant value;
+  EXPECT_EQ(cvar->get_Value(&value), S_OK);
+  ASSERT_EQ(value.vt, VT_BSTR);
+  EXPECT_STREQ(value.bstrVal, L"<image>");
+  CComBSTR text;
+  EXPECT_EQ(cvar->GetAdaptedValueStringScreen(&text), S_OK);
+  EXPECT_EQ(text.View(), L"<image>");
+  EXPECT_EQ(cvar->GetAdaptedValueStringRemote(&text), S_OK);
+  EXPECT_EQ(text.View(), L"<IMAGE>");
+  EXPECT_EQ(cvar->put_Value(CComVariant(L"x")), E_NOTIMPL);
+  EXPECT_EQ(cvar->SetRequestedValueFromString(L"x"), E_NOTIMPL);
+  EXPECT_EQ(cvar->SetRequestedValueNorm(0.5), E_NOTIMPL);
+  double position = 0;
+  EXPECT_EQ(cvar->GetAdaptedValueNorm(nullptr), E_POINTER);
+  EXPECT_EQ(cvar->GetAdaptedValueNorm(&position), E_NOTIMPL);
+  EXPECT_EQ(cvar->Increment(1), E_NOTIMPL);
+  EXPECT_EQ(cvar->SetToDefault(), E_NOTIMPL);
+  EXPECT_EQ(cvar->GetBitmapHandle(nullptr), E_POINTER);
+  EXPECT_EQ(cvar->get_Value(nullptr), E_POINTER);
+}
+
+TEST(ImageProperties, AddFour) {
+  const Image cvar = MakeImage();
+  CComVariant properties;
+  ASSERT_EQ(cvar->GetSignature(&properties), S_OK);
+  LONG last = 0;
+  ASSERT_EQ(SafeArrayGetUBound(properties.parray, 2, &last), S_OK);
+  EXPECT_EQ(last, 11);
+  unsigned int help = 0;
+  EXPECT_EQ(cvar->get_HelpStringID(&help), S_OK);
+  EXPECT_EQ(help, 7u);
+}
+
+TEST(ImageReplica, TakesACopySendsNothingAndATwoWayPairEnds) {
+  const Image source = MakeImage();
+  const Image replica = MakeImage();
+  ASSERT_EQ(replica->StartCvarReplication(source, REPLICATIONCONNECTION_SYNCHRONOUS,
+                                          REPLICATIONCONNECTION_SYNCHRONOUS,
+                                          REPLICATIONCOPY_FROM_OTHER, NOTIFYTYPE(0xFFFFFFFF)),
+            S_OK);
+  const auto listener = RecordingListener::Create();
+  ASSERT_EQ(replica->AttachCvarEventSink(listener), S_OK);
+  EXPECT_EQ(source->LoadFromHandle(MakeBitmap(5)), S_OK);
+  EXPECT_NE(HandleOf(replica), nullptr);
+  EXPECT_NE(HandleOf(replica), HandleOf(source));
+  EXPECT_TRUE(listener->masks.empty());
+  EXPECT_EQ(source->LoadFromHandle(nullptr), S_OK);
+  EXPECT_EQ(HandleOf(replica), nullptr);
+  EXPECT_EQ(replica->StopAllCvarReplication(), S_OK);
+}
+
+}  // namespace
