@@ -1,8 +1,10 @@
+#include <atomic>
 #include <string>
 
 #include "Cvars.h"
 #include "instrument/model/Bags.h"
 #include "instrument/model/DoubleCvars.h"
+#include "instrument/model/EnumCvars.h"
 
 namespace cvars::model {
 namespace {
@@ -17,6 +19,78 @@ constexpr DoubleRow kDoubles[] = {
     {L"Bandwidth", 500e6, 20e6, 500e6, 1e6, L"HZ"},
     {L"Deskew", 0, -100e-9, 100e-9, 1e-12, L"S"},
 };
+
+constexpr EnumRow kEnums[] = {
+    {L"Coupling", L"DC,AC,Ground|Gnd|GND", 0},
+    {L"Bandwidth Limit|limit", L"Off,20 MHz|BW20|BW20,200 MHz|BW200|BW200", 0},
+};
+
+// 0xBBGGRR: yellow, magenta, cyan, green.
+constexpr int kTraceColors[] = {0x00FFFF, 0xFF00FF, 0xFFFF00, 0x00FF00};
+
+/// Keeps AC coupling out of the choices while the input is terminated for high frequencies.
+class CouplingRule final : public IVorCvarEventSink {
+ public:
+  static CComPtr<CouplingRule> Create(IVorCvarEnum* coupling) {
+    CComPtr<CouplingRule> rule;
+    rule.Attach(new CouplingRule(coupling));
+    return rule;
+  }
+
+  HRESULT QueryInterface(REFIID iid, void** object) override {
+    if (object == nullptr) return E_POINTER;
+    *object = nullptr;
+    if (iid != IID_IUnknown && iid != IID_IVorCvarEventSink) return E_NOINTERFACE;
+    *object = static_cast<IVorCvarEventSink*>(this);
+    AddRef();
+    return S_OK;
+  }
+  ULONG AddRef() override { return ++m_references; }
+  ULONG Release() override {
+    const ULONG left = --m_references;
+    if (left == 0) delete this;
+    return left;
+  }
+  HRESULT OnCvarNotify(IVorCvar* termination, NOTIFYTYPE what) override {
+    if ((what & NOTIFY_VALUE) == 0) return S_OK;
+    constexpr double kLeastForAc = 1000;  // ohms
+    CComVariant resistance;
+    const HRESULT read = termination->get_Value(&resistance);
+    if (read != S_OK) return read;
+    const HRESULT set = m_coupling->Enable(CComVariant(L"AC"), resistance.dblVal >= kLeastForAc);
+    return set == S_FALSE ? S_OK : set;  // nothing new is no news
+  }
+
+ private:
+  explicit CouplingRule(IVorCvarEnum* coupling) : m_coupling(coupling) {}
+  ~CouplingRule() = default;
+
+  std::atomic<ULONG> m_references{1};
+  CComPtr<IVorCvarEnum> m_coupling;
+};
+
+void ApplyCouplingRule(CCvarBag& bag) {
+  const CComPtr<IVorCvar> coupling = bag.Find(L"Coupling");
+  CComPtr<IVorCvarEnum> choices;
+  if (coupling->QueryInterface(IID_IVorCvarEnum, reinterpret_cast<void**>(&choices)) != S_OK) {
+    return;
+  }
+  (void)bag.Find(L"Termination")->AttachCvarEventSink(CouplingRule::Create(choices));
+}
+
+void AddTraceColor(CCvarBag& bag, int number) {
+  const auto color = CvarObject<CCvarColor>::Create();
+  color->Initialize(L"Trace Color|color", kTraceColors[number - 1], CVARFLAGS(0), nullptr, 0,
+                    REPLICATE_VALUE | REPLICATE_REQUESTED);
+  (void)bag.Add(color);  // a new cvar has no parent yet
+}
+
+void AddInvert(CCvarBag& bag) {
+  const auto invert = CvarObject<CCvarBool>::Create();
+  invert->Initialize(L"Invert", L"Off,On", 0, CVARFLAGS(0), nullptr, 0,
+                     REPLICATE_VALUE | REPLICATE_REQUESTED);
+  (void)bag.Add(invert);  // a new cvar has no parent yet
+}
 
 constexpr int kLongestLabel = 32;
 
@@ -42,6 +116,10 @@ CComPtr<CCvarBag> MakeChannelBag(int number) {
   const std::wstring name = L"Channel" + std::to_wstring(number);
   CComPtr<CCvarBag> bag = CCvarBag::Create(name.c_str(), nullptr);
   AddDoubleCvars(*bag, kDoubles);
+  AddEnumCvars(*bag, kEnums);
+  ApplyCouplingRule(*bag);
+  AddInvert(*bag);
+  AddTraceColor(*bag, number);
   AddLabel(*bag);
   AddTraceName(*bag, number);
   return bag;

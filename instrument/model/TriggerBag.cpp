@@ -1,5 +1,6 @@
 #include "instrument/model/Bags.h"
 #include "instrument/model/DoubleCvars.h"
+#include "instrument/model/EnumCvars.h"
 
 namespace cvars::model {
 namespace {
@@ -11,11 +12,17 @@ constexpr DoubleRow kDoubles[] = {
     {L"Auto Timeout|timeout", 0.1, 0.001, 10, 0.001, L"S"},
 };
 
+constexpr EnumRow kEnums[] = {
+    {L"Mode", L"Auto,Normal|Normal|NORM,Single|Single|SINGLE,Stop", 0},
+    {L"Source", L"Channel 1|C1,Channel 2|C2,Channel 3|C3,Channel 4|C4,External|Ext|EXT,Line", 0},
+};
+
 }  // namespace
 
 CComPtr<CCvarBag> MakeTriggerBag() {
   CComPtr<CCvarBag> bag = CCvarBag::Create(L"Trigger", nullptr);
   AddDoubleCvars(*bag, kDoubles);
+  AddEnumCvars(*bag, kEnums);
   return bag;
 }
 

@@ -11,7 +11,8 @@ struct AdapterRow {
 };
 
 constexpr AdapterRow kAdapters[] = {
-    {L"Double", DoubleAdapter},   {L"FileName", TextAdapter}, {L"ObjectName", TextAdapter},
+    {L"Bool", BoolAdapter},       {L"Color", ColorAdapter},   {L"Double", DoubleAdapter},
+    {L"Enum", EnumAdapter},       {L"FileName", TextAdapter}, {L"ObjectName", TextAdapter},
     {L"SafeArray", ArrayAdapter}, {L"String", TextAdapter},
 };
 

@@ -6,8 +6,15 @@ namespace cvars::remote {
 
 // One adapter per file, which is named after the function.
 
+/// On and off, written ON or 1 and OFF or 0, and answered 1 or 0.
+const CvarAdapter& BoolAdapter();
+/// Colours as #H numbers 0xBBGGRR.
+const CvarAdapter& ColorAdapter();
 /// Numbers with units, and the words that stand for numbers.
 const CvarAdapter& DoubleAdapter();
+
+/// Choices by any of their spellings, answered by the remote one; UP, DOWN and DEFault.
+const CvarAdapter& EnumAdapter();
 
 /// Tables as texts in quotes or as blocks, and DEFault.
 const CvarAdapter& ArrayAdapter();

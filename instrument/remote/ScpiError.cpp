@@ -38,6 +38,8 @@ std::string_view ErrorText(ScpiError error) noexcept {
       return "Execution error";
     case ScpiError::kCommandProtected:
       return "Command protected";
+    case ScpiError::kSettingsConflict:
+      return "Settings conflict;other settings rule this choice out";
     case ScpiError::kDataOutOfRange:
       return "Data out of range";
     case ScpiError::kIllegalParameterValue:

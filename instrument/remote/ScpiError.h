@@ -25,6 +25,7 @@ enum class ScpiError : int {
   // Execution errors: the command is understood but cannot be done.
   kExecutionError = -200,
   kCommandProtected = -203,
+  kSettingsConflict = -221,
   kDataOutOfRange = -222,
   kIllegalParameterValue = -224,
   // Device-specific errors.
