@@ -6,6 +6,7 @@
 #include <map>
 #include <nlohmann/json.hpp>
 #include <string>
+#include <vector>
 
 #include "CComBSTR.h"
 #include "CComSafeArray.h"
@@ -246,6 +247,133 @@ TEST(ValueTable, CopiesAndClears) {
   const BSTR before = text.bstrVal;
   EXPECT_EQ(VariantCopy(&text, &text), Code(Row("copy_to_self"), "copy"));
   EXPECT_EQ(text.bstrVal, before);
+}
+
+struct CreateCase {
+  const char* what;
+  VARTYPE type;
+  std::vector<SAFEARRAYBOUND> bounds;
+};
+
+TEST(ValueTable, CreatedArrays) {
+  const CreateCase cases[] = {
+      {"1D VARIANT 5 lb 0", VT_VARIANT, {{5, 0}}},
+      {"1D VARIANT 0 elements lb 0", VT_VARIANT, {{0, 0}}},
+      {"1D VARIANT 3 lb 1", VT_VARIANT, {{3, 1}}},
+      {"1D VARIANT 3 lb -1", VT_VARIANT, {{3, -1}}},
+      {"2D VARIANT dim1=2 lb0 dim2=3 lb0", VT_VARIANT, {{2, 0}, {3, 0}}},
+      {"2D VARIANT dim1=2 lb1 dim2=3 lb10", VT_VARIANT, {{2, 1}, {3, 10}}},
+      {"2D VARIANT dim1=2 dim2=0", VT_VARIANT, {{2, 0}, {0, 0}}},
+      {"2D VARIANT dim1=0 dim2=3", VT_VARIANT, {{0, 0}, {3, 0}}},
+      {"3D VARIANT 2x3x4", VT_VARIANT, {{2, 0}, {3, 0}, {4, 0}}},
+      {"1D R8 4", VT_R8, {{4, 0}}},
+      {"1D BSTR 2", VT_BSTR, {{2, 0}}},
+      {"1D UI1 4", VT_UI1, {{4, 0}}},
+      {"1D UNKNOWN 2", VT_UNKNOWN, {{2, 0}}},
+      {"1D DISPATCH 2", VT_DISPATCH, {{2, 0}}},
+      {"1D BOOL 2", VT_BOOL, {{2, 0}}},
+      {"1D DECIMAL 2", VT_DECIMAL, {{2, 0}}},
+      {"1D I8 2", VT_I8, {{2, 0}}},
+      {"1D EMPTY(bad)", VT_EMPTY, {{2, 0}}},
+      {"1D NULL(bad)", VT_NULL, {{2, 0}}},
+      {"1D VARIANT|BYREF(bad)", VT_VARIANT | VT_BYREF, {{2, 0}}},
+      {"1D VARIANT|ARRAY(bad)", VT_VARIANT | VT_ARRAY, {{2, 0}}},
+      {"0 dims(bad)", VT_VARIANT, {}},
+  };
+  const std::vector<json> rows = Rows("create");
+  ASSERT_EQ(rows.size(), std::size(cases));
+  for (std::size_t i = 0; i < rows.size(); ++i) {
+    const json& row = rows[i];
+    SCOPED_TRACE(cases[i].what);
+    ASSERT_EQ(row.at("what"), cases[i].what);
+    auto bounds = cases[i].bounds;
+    SAFEARRAY* const array =
+        SafeArrayCreate(cases[i].type, static_cast<UINT>(bounds.size()), bounds.data());
+    ASSERT_EQ(array == nullptr, row.at("array") == "null");
+    if (array == nullptr) continue;
+    EXPECT_EQ(array->cDims, row.at("dims").get<USHORT>());
+    EXPECT_EQ(array->cbElements, row.at("elemsize").get<ULONG>());
+    EXPECT_EQ(array->fFeatures, row.at("features").get<USHORT>());
+    EXPECT_EQ(array->cLocks, row.at("locks").get<ULONG>());
+    VARTYPE type = VT_EMPTY;
+    EXPECT_EQ(SafeArrayGetVartype(array, &type), Code(row, "getvartype"));
+    EXPECT_EQ(type, row.at("vartype").get<VARTYPE>());
+    for (UINT dimension = 1; dimension <= bounds.size(); ++dimension) {
+      const json& expected = row.at("bounds_lb_ub_by_dim_1based").at(dimension - 1);
+      LONG bound = 99;
+      EXPECT_EQ(SafeArrayGetLBound(array, dimension, &bound), kCodes.at(expected.at(0)));
+      EXPECT_EQ(bound, expected.at(1).get<LONG>());
+      EXPECT_EQ(SafeArrayGetUBound(array, dimension, &bound), kCodes.at(expected.at(2)));
+      EXPECT_EQ(bound, expected.at(3).get<LONG>());
+      const json& stored = row.at("struct_rgsabound_elements_lb").at(dimension - 1);
+      EXPECT_EQ(array->rgsabound[dimension - 1].cElements, stored.at(0).get<ULONG>());
+      EXPECT_EQ(array->rgsabound[dimension - 1].lLbound, stored.at(1).get<LONG>());
+    }
+    void* data = nullptr;
+    EXPECT_EQ(SafeArrayAccessData(array, &data), Code(row, "access"));
+    EXPECT_NE(data, nullptr);
+    EXPECT_EQ(SafeArrayUnaccessData(array), S_OK);
+    EXPECT_EQ(SafeArrayDestroy(array), Code(row, "destroy"));
+  }
+}
+
+TEST(ValueTable, ObjectsInArraysHoldOneReferenceEach) {
+  ValueObject object(true);
+  const json row = Row("put_into_arrays");
+  const auto refs = [&](const char* key) { return row.at(key).at("refs").get<ULONG>(); };
+  CComSafeArray<VARIANT> array(1);
+  VARIANT value{};
+  value.vt = VT_DISPATCH;
+  value.pdispVal = &object;  // borrowed
+  EXPECT_EQ(array.SetAt(0, value), S_OK);
+  EXPECT_EQ(object.references, refs("after_put"));
+  EXPECT_EQ(array.SetAt(0, value), S_OK);
+  EXPECT_EQ(object.references, refs("after_second_put_same_slot"));
+  {
+    CComVariant got;
+    const LONG index = 0;
+    EXPECT_EQ(array.MultiDimGetAt(&index, got), S_OK);
+    EXPECT_EQ(object.references, refs("after_get"));
+  }
+  {
+    const CComSafeArray<VARIANT> copy = array;
+    EXPECT_EQ(object.references, refs("after_array_copy"));
+  }
+  EXPECT_EQ(array.Destroy(), S_OK);
+  EXPECT_EQ(object.references, refs("after_destroy"));
+}
+
+TEST(ValueTable, TextsInArraysAreCopied) {
+  const json row = Row("bstr_array");
+  CComSafeArray<BSTR> array(2);
+  const CComBSTR text(L"two");
+  EXPECT_EQ(array.SetAt(0, text.m_str), Code(row, "put"));
+  EXPECT_NE(array.GetAt(0), text.m_str);
+  EXPECT_EQ(array.SetAt(0, nullptr), Code(row, "put_null"));
+  EXPECT_NE(array.GetAt(0), nullptr);
+  const LONG index = 1;
+  BSTR unset = text.m_str;
+  EXPECT_EQ(array.MultiDimGetAt(&index, unset), Code(row, "get_unset"));
+  EXPECT_EQ(unset, nullptr);
+}
+
+TEST(ValueTable, ReferencesToVariantsAreFollowedOnce) {
+  const json row = Row("copyind_variantref");
+  CComVariant inner(L"in");
+  VARIANT reference{};
+  reference.vt = VT_VARIANT | VT_BYREF;
+  reference.pvarVal = &inner;
+  CComVariant copy;
+  EXPECT_EQ(VariantCopyInd(&copy, &reference), Code(row, "result"));
+  EXPECT_STREQ(copy.bstrVal, L"in");
+  EXPECT_NE(copy.bstrVal, inner.bstrVal);
+  VARIANT twice{};
+  twice.vt = VT_VARIANT | VT_BYREF;
+  twice.pvarVal = &reference;
+  EXPECT_EQ(VariantCopyInd(&copy, &twice), Code(row, "ref_to_ref_variant"));
+  inner.Clear();
+  EXPECT_EQ(VariantCopyInd(&copy, &reference), Code(row, "ref_to_empty_variant"));
+  EXPECT_EQ(copy.vt, VT_EMPTY);
 }
 
 }  // namespace
