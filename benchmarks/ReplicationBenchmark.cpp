@@ -113,16 +113,18 @@ class Counter final : public IVorCvarEventSink {
   std::atomic<std::uint64_t> m_calls{0};
 };
 
-constexpr std::size_t kChanges = 200000;
+constexpr std::int64_t kChanges = 200000;
 
 void WaitFor(const Double& replica, double value) {
   while (Requested(replica) != value) std::this_thread::yield();
 }
 
-// One iteration = kChanges changes, spread over range(0) sources with a replica each, until the
-// last one has arrived. Every change arrives, alone or together with later ones of its source.
+// One iteration = range(1) changes, spread over range(0) sources with a replica each, until the
+// last one has arrived. Every change arrives, alone or together with later ones of its source;
+// where each source changes once, every one has a copy of its own.
 void AsynchronousChanges(benchmark::State& state) {
   const auto pairs = static_cast<std::size_t>(state.range(0));
+  const auto changes = static_cast<std::size_t>(state.range(1));
   const auto& values = Values();
   std::vector<Double> sources;
   std::vector<Double> replicas;
@@ -134,17 +136,18 @@ void AsynchronousChanges(benchmark::State& state) {
     (void)replicas[i]->AttachCvarEventSink(&counter);
   }
   const std::uint64_t before = counter.Calls();
+  std::size_t next = 0;
   for (auto _ : state) {
     const auto start = Clock::now();
-    for (std::size_t i = 0; i < kChanges; ++i) {
-      (void)sources[i % pairs]->SetRequestedValue(values[(i / pairs) & 1023]);
+    for (std::size_t i = 0; i < changes; ++i) {
+      (void)sources[i % pairs]->SetRequestedValue(values[(next++ / pairs) & 1023]);
     }
     for (std::size_t i = 0; i < pairs; ++i) WaitFor(replicas[i], Requested(sources[i]));
     state.SetIterationTime(Seconds(start, Clock::now()));
   }
   const auto rounds = static_cast<double>(state.iterations());
   state.counters["changes_per_s"] =
-      benchmark::Counter(rounds * static_cast<double>(kChanges), benchmark::Counter::kIsRate);
+      benchmark::Counter(rounds * static_cast<double>(changes), benchmark::Counter::kIsRate);
   state.counters["copies_per_s"] = benchmark::Counter(static_cast<double>(counter.Calls() - before),
                                                       benchmark::Counter::kIsRate);
   for (const Double& replica : replicas) (void)replica->DetachCvarEventSink(&counter);
@@ -193,14 +196,15 @@ void FunctionQueueChanges(benchmark::State& state) {
   for (auto _ : state) {
     done = 0;
     const auto start = Clock::now();
-    for (std::size_t i = 0; i < kChanges; ++i) {
-      const double value = values[i & 1023];
+    for (std::int64_t i = 0; i < kChanges; ++i) {
+      const double value = values[static_cast<std::size_t>(i) & 1023];
       queue.Post([&replica, &done, value] {
         replica.store(value, std::memory_order_relaxed);
         done.fetch_add(1, std::memory_order_release);
       });
     }
-    while (done.load(std::memory_order_acquire) != kChanges) std::this_thread::yield();
+    while (done.load(std::memory_order_acquire) != std::uint64_t{kChanges})
+      std::this_thread::yield();
     state.SetIterationTime(Seconds(start, Clock::now()));
   }
   state.counters["changes_per_s"] =
@@ -276,8 +280,9 @@ int main(int argc, char** argv) {
   RegisterBenchmark("replicate/star", Star)->Arg(100);
   RegisterBenchmark("replicate/start_stop", StartAndStop);
   RegisterBenchmark("replicate/asynchronous", AsynchronousChanges)
-      ->Arg(1)
-      ->Arg(100)
+      ->Args({1, kChanges})
+      ->Args({100, kChanges})
+      ->Args({50000, 50000})
       ->UseManualTime()
       ->Unit(benchmark::kMillisecond);
   RegisterBenchmark("replicate/function_queue", FunctionQueueChanges)
