@@ -3,6 +3,10 @@
 namespace cvars {
 namespace {
 
+constexpr ScriptMember kActionMembers[] = {
+    ScriptMethod<&IVorCvarAction::ActNow>(L"ActNow"),
+};
+
 constexpr ScriptMember kBitPatternMembers[] = {
     ScriptGet<&IVorCvarBitPattern::GetDefaultValue>(L"Default"),
     ScriptGet<&IVorCvarBitPattern::get_DecimalValue>(L"DecimalValue"),
@@ -49,6 +53,11 @@ constexpr ScriptMember kRegisterMembers[] = {
 };
 
 }  // namespace
+
+template <>
+std::span<const ScriptMember> TypedScriptMembers<IVorCvarAction>() noexcept {
+  return kActionMembers;
+}
 
 template <>
 std::span<const ScriptMember> TypedScriptMembers<IVorCvarBitPattern>() noexcept {

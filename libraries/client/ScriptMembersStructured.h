@@ -1,10 +1,13 @@
 #pragma once
 
+#include "IVorCvarAction.h"
 #include "IVorCvarBitPattern.h"
 #include "IVorCvarRegister.h"
 #include "ScriptMembers.h"
 
 namespace cvars {
+template <>
+CVARS_API std::span<const ScriptMember> TypedScriptMembers<IVorCvarAction>() noexcept;
 template <>
 CVARS_API std::span<const ScriptMember> TypedScriptMembers<IVorCvarBitPattern>() noexcept;
 template <>

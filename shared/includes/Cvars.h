@@ -20,7 +20,9 @@
 
 // Interfaces.
 #include "CvarBag.h"
+#include "IStream.h"
 #include "IVorCvar.h"
+#include "IVorCvarAction.h"
 #include "IVorCvarBitPattern.h"
 #include "IVorCvarBool.h"
 #include "IVorCvarColor.h"
@@ -32,6 +34,9 @@
 #include "IVorCvarLongInt.h"
 #include "IVorCvarRegister.h"
 #include "IVorPhysicalUnit.h"
+#include "IVorProbe.h"
+#include "IVorResult.h"
+#include "IVorResultProcessorOutputPin.h"
 #include "Unknown.h"
 
 // The platform.
@@ -57,6 +62,7 @@
 #include "IVorTattlerClient.h"
 
 // Cvar classes.
+#include "CCvarAction.h"
 #include "CCvarBitPattern.h"
 #include "CCvarBool.h"
 #include "CCvarColor.h"
@@ -66,6 +72,7 @@
 #include "CCvarImage.h"
 #include "CCvarInt.h"
 #include "CCvarLongInt.h"
+#include "CCvarObject.h"
 #include "CCvarObjectName.h"
 #include "CCvarRegister.h"
 #include "CCvarSafeArray.h"
