@@ -27,10 +27,6 @@ constexpr auto kLastSequence = static_cast<std::int32_t>(std::size(kSequences)) 
 /// What rounding may take away from a value that lies on a point.
 constexpr double kOnPoint = 2e-14;
 
-double WithinBounds(double bound) noexcept {
-  return bound > CLockstep::kSmallest ? std::min(bound, CLockstep::kLargest) : CLockstep::kSmallest;
-}
-
 double DecadeOf(double value) noexcept { return std::pow(10.0, std::floor(std::log10(value))); }
 
 }  // namespace
@@ -40,6 +36,10 @@ CLockstep::CLockstep(LOCKSTEP lockstep) noexcept : m_lockstep(Clamped(lockstep))
 LOCKSTEP CLockstep::Clamped(LOCKSTEP lockstep) noexcept {
   const auto number = static_cast<std::int32_t>(lockstep);
   return static_cast<LOCKSTEP>(std::clamp(number, 0, kLastSequence));
+}
+
+double CLockstep::WithinBounds(double bound) noexcept {
+  return bound > kSmallest ? std::min(bound, kLargest) : kSmallest;
 }
 
 std::span<const double> CLockstep::Mantissas(LOCKSTEP lockstep) noexcept {
@@ -103,6 +103,16 @@ double CLockstep::Adapt(double value, bool fineGrain) const noexcept {
   const double rounded = cvars::RoundToStep(point, step);
   if (rounded > m_max + kOnPoint * step) return rounded - step;
   return rounded < m_min - kOnPoint * step ? rounded + step : rounded;
+}
+
+int CLockstep::StepCount() const noexcept {
+  int count = 0;
+  for (double value = m_min; value < m_max; ++count) {
+    const double next = Stepped(value, 1);
+    if (next == value) break;
+    value = next;
+  }
+  return count;
 }
 
 double CLockstep::Stepped(double value, int steps) const noexcept {

@@ -4,10 +4,11 @@
 
 #include "CvarEnums.h"
 #include "Export.h"
+#include "Relaxed.h"
 
 /// The points of a sequence that repeats in every decade, limited to a range.
 ///
-/// Not locked; its owner serialises access.
+/// Its owner serialises changes; any thread may read which sequence it is.
 class CVARS_API CLockstep {
  public:
   using LOCKSTEP = ::LOCKSTEP;
@@ -27,14 +28,17 @@ class CVARS_API CLockstep {
   /// Mantissas of one decade, ascending, from 1 to 10.
   static std::span<const double> Mantissas(LOCKSTEP lockstep) noexcept;
 
+  /// Limits a bound to kSmallest..kLargest. NaN reads as kSmallest.
+  static double WithinBounds(double bound) noexcept;
+
   LOCKSTEP Lockstep() const noexcept { return m_lockstep; }
   void SetLockstep(LOCKSTEP lockstep) noexcept { m_lockstep = Clamped(lockstep); }
 
   double Min() const noexcept { return m_min; }
   double Max() const noexcept { return m_max; }
-  /// Limits the bound to kSmallest..kLargest; a min above max raises max. NaN reads as kSmallest.
+  /// Limits the bound as WithinBounds does; a min above max raises max.
   void SetMin(double min) noexcept;
-  /// Limits the bound to kSmallest..kLargest; a max below min lowers min. NaN reads as kSmallest.
+  /// Limits the bound as WithinBounds does; a max below min lowers min.
   void SetMax(double max) noexcept;
 
   /// Gives the smallest point at or above a value, or the largest at or below it.
@@ -55,11 +59,14 @@ class CVARS_API CLockstep {
   /// Fits a value of the range to the nearest point, or with fine grain to its fine steps.
   double Adapt(double value, bool fineGrain) const noexcept;
 
+  /// Gives how many points lie on the way up from min to max, with max itself.
+  int StepCount() const noexcept;
+
   /// Moves up by a number of points, or down when it is negative, and stops at the range ends.
   double Stepped(double value, int steps) const noexcept;
 
  private:
-  LOCKSTEP m_lockstep;
+  cvars::Relaxed<LOCKSTEP> m_lockstep;
   double m_min = kSmallest;
   double m_max = kLargest;
 };

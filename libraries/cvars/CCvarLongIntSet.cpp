@@ -1,0 +1,4 @@
+#include "CCvarLongIntSet.h"
+
+template class cvars::ValueSetCvar<CCvarLongInt>;
+template class cvars::IntegerSetCvar<CCvarLongInt>;
