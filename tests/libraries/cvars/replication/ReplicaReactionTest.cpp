@@ -75,7 +75,6 @@ TEST_F(ReplicaReactionTest, CopyingNothingCopiesNothing) {
 }
 
 // Read-only replicas
-// --------------------------------------------------------------------------------
 
 TEST_F(ReplicaReactionTest, AReadOnlyReplicaRefusesAndTheWriterHearsOfIt) {
   const Double replica = MakeReplica(kUsual);
@@ -123,7 +122,6 @@ TEST_F(ReplicaReactionTest, FlagsAreCopiedBeforeTheValue) {
 }
 
 // Flags
-// ---------------------------------------------------------------------------------------------
 
 struct ForcedCase {
   const char* name;
@@ -150,7 +148,6 @@ TEST_F(ReplicaReactionTest, AReplicaKeepsItsOwnForcedState) {
 }
 
 // Attributes
-// ----------------------------------------------------------------------------------------
 
 TEST_F(ReplicaReactionTest, TheNameGoesThroughTheNameRule) {
   const Double replica = MakeReplica(REPLICATE_NAME);
@@ -190,7 +187,6 @@ TEST_F(ReplicaReactionTest, HintsAreTakenWithTheAttributesOnly) {
 }
 
 // Failures
-// ------------------------------------------------------------------------------------------
 
 struct FailureCase {
   const char* name;
@@ -242,7 +238,6 @@ TEST_F(ReplicaReactionTest, ASuccessOfTheCopyIsPlainSuccess) {
 }
 
 // Range, unit and default of a double
-// --------------------------------------------------------------
 
 struct DoubleState {
   double min;

@@ -4,6 +4,8 @@
 
 #include "BareCvar.h"
 #include "CComVariant.h"
+#include "CCvarInt.h"
+#include "CCvarLongInt.h"
 #include "KnownNotifier.h"
 #include "RecordingListener.h"
 #include "ReplicationFixture.h"
@@ -118,7 +120,7 @@ TEST_F(ReplicationConnectionTest, TheShortFormNamesCopyAndDirections) {
   }
 }
 
-// Attributes --------------------------------------------------------------------------------------
+// Attributes
 
 // Waits for what is queued, and for what its delivery queues.
 void Settle() {
@@ -246,7 +248,6 @@ TEST_F(ReplicationConnectionTest, BothMayStartTheSameConnection) {
 }
 
 // Stopping
-// ------------------------------------------------------------------------------------------
 
 TEST_F(ReplicationConnectionTest, StopAllOfACvarThatNeverReplicatedDoesNothing) {
   const Double source = MakeDouble(L"Source");
@@ -313,7 +314,6 @@ TEST_F(ReplicationConnectionTest, NothingIsCopiedOnceAnEarlierListenerStopped) {
 }
 
 // Lifetimes
-// -----------------------------------------------------------------------------------------
 
 TEST_F(ReplicationConnectionTest, AReplicaThatDiesFirstIsForgotten) {
   const Double source = MakeDouble(L"Source");
@@ -395,7 +395,6 @@ TEST_F(ReplicationConnectionTest, TheReplicaMayGoInsideANotificationOfItsSource)
 }
 
 // Loops
-// ---------------------------------------------------------------------------------------------
 
 TEST_F(ReplicationConnectionTest, ATwoWayPairEndsAfterOneRound) {
   const Double first = MakeDouble(L"First");
@@ -452,8 +451,33 @@ TEST_F(ReplicationConnectionTest, TwoWayCyclesEndToo) {
   for (const Double& member : ring) EXPECT_EQ(member->StopAllCvarReplication(), S_OK);
 }
 
+// Classes
+
+TEST_F(ReplicationConnectionTest, CvarsOfDifferentClassesMayBeTied) {
+  const Double source = MakeDouble(L"Source", 2.5);
+  const auto count = CvarObject<CCvarInt>::Create();
+  count->Initialize(L"Count", 0, -100, 100, 1, L"", CVARFLAGS(0), L"", 0,
+                    REPLICATE_VALUE | REPLICATE_REQUESTED);
+  const auto total = CvarObject<CCvarLongInt>::Create();
+  total->Initialize(L"Total", 0, -100, 100, 1, L"", CVARFLAGS(0), L"", 0,
+                    REPLICATE_VALUE | REPLICATE_REQUESTED);
+  ASSERT_NE(KnownNotifier(), nullptr);
+  EXPECT_EQ(count->StartCvarReplication(source, true, 0x1, kEverything), S_OK);
+  EXPECT_EQ(total->StartCvarReplication(source, kAsync, kNone, kFromOther, kEverything), S_OK);
+  EXPECT_EQ(source->SetRequestedValue(17), S_OK);
+  Settle();
+  int number = 0;
+  EXPECT_EQ(count->GetRequestedValue(&number), S_OK);
+  EXPECT_EQ(number, 17);
+  std::int64_t longNumber = 0;
+  EXPECT_EQ(total->GetRequestedValue(&longNumber), S_OK);
+  EXPECT_EQ(longNumber, 17);
+  EXPECT_EQ(count->StopCvarReplication(source), S_OK);
+  EXPECT_EQ(total->StopCvarReplication(source), S_OK);
+  EXPECT_EQ(Listeners(source), 0);
+}
+
 // Bags
-// ------------------------------------------------------------------------------------------------
 
 class ReplicationInABagTest : public ReplicationConnectionTest {
  protected:
@@ -502,7 +526,7 @@ TEST_F(ReplicationInABagTest, OnlyABagIsLookedInto) {
             E_NOINTERFACE);
 }
 
-// InitializeReplicating ---------------------------------------------------------------------------
+// InitializeReplicating
 
 TEST_F(ReplicationInABagTest, InitializeReplicatingConfiguresAndTiesBothWays) {
   const CComPtr<RecordingListener> listener = RecordingListener::Create();
@@ -548,7 +572,6 @@ TEST_F(ReplicationInABagTest, InitializeReplicatingWithoutASourceStillConfigures
 }
 
 // Cvars that are not of this library
-// ----------------------------------------------------------------
 
 TEST_F(ReplicationConnectionTest, AFailureOfAttachingIsReturned) {
   const Double replica = MakeDouble(L"Replica");
