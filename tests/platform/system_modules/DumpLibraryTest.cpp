@@ -308,7 +308,9 @@ TEST_F(DumpLibrary, IsOpenedByTheDebuggerWithSymbolisedStacks) {
   EXPECT_THAT(output, HasSubstr("AcquireSweepThread"));
   EXPECT_THAT(output, HasSubstr("ServeRemoteThread"));
   EXPECT_THAT(output, HasSubstr("MiniDumpWriteDump"));
+#ifndef __SANITIZE_ADDRESS__  // whose optimised build has other frames here
   EXPECT_THAT(output, HasSubstr("DumpLibrary_IsOpenedByTheDebuggerWithSymbolisedStacks_Test"));
+#endif
   EXPECT_THAT(output, HasSubstr("DbgHelp.dll"));
   EXPECT_THAT(output, HasSubstr("libcvars_platform"));
 }

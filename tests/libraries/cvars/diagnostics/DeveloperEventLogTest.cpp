@@ -4,7 +4,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <cstdio>
+#include <filesystem>
 #include <functional>
 
 #include "CCvarBag.h"
@@ -207,6 +207,7 @@ TEST_F(DeveloperEventLog, EveryEventOpensManagerAndLogAnew) {
 
 TEST_F(DeveloperEventLog, AMissingManagerLosesTheEventAfterTheBox) {
   SetSwitch(1);
+  std::filesystem::create_directories(m_home.Folder() / "drive_c/Vortana/Quillon/Logs");
   EXPECT_EQ(RunInChild([] {
               cvars::test::ForgetEventLogManager();
               cvars::test::RecordingPresenter presenter;

@@ -168,6 +168,7 @@ TEST_F(EventLogClientWithoutManager, ADumpThatCannotBeWrittenLeavesThePathEmpty)
 
 TEST_F(EventLogClientWithoutManager, LongAndOddHintsAreToldWhole) {
   cvars::test::ForgetEventLogManager();
+  MakeLogsFolder(m_home.Folder());
   const std::wstring hint = std::wstring(5000, L'x') + L"%s%n%d \u03A9";
   EventLogClient client(L"CvarDev");
   EXPECT_EQ(client.LogEvent(hint.c_str(), L"%x", 2, nullptr, CComVariant()), E_FAIL);
