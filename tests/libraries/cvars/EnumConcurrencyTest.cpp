@@ -1,0 +1,122 @@
+// One enum in the hands of threads that rebuild its list, disable its entries, set and read it.
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <atomic>
+#include <barrier>
+#include <set>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "CCvarEnum.h"
+#include "CvarObject.h"
+#include "ReadText.h"
+#include "RecordingListener.h"
+#include "TextPieces.h"
+
+namespace {
+
+using cvars::test::TextOf;
+using Enum = CComPtr<CvarObject<CCvarEnum>>;
+
+constexpr int kRounds = 3000;
+constexpr const wchar_t* kLists[] = {L"A,B,C", L"D,E,F,G", L"B,D", L"C"};
+const std::set<std::wstring> kChoices = {L"A", L"B", L"C", L"D", L"E", L"F", L"G"};
+
+bool IsChoiceOrNone(const std::wstring& text) { return text.empty() || kChoices.contains(text); }
+
+// "Type,Enum,Request,r,Adapt,a,Default,d,Flags,f,Range,e,(e),...": what is adapted is an enabled
+// entry of the same list, or there is none.
+bool IsConsistent(const std::wstring& signature) {
+  const std::vector<std::wstring_view> fields = cvars::SplitText(signature, L',');
+  constexpr std::size_t kAdapted = 5;
+  constexpr std::size_t kFirstEntry = 11;
+  if (fields.size() <= kFirstEntry) return false;
+  const auto first = fields.begin() + kFirstEntry;
+  if (!fields[kAdapted].empty())
+    return std::find(first, fields.end(), fields[kAdapted]) != fields.end();
+  // Every request of this test is an entry or lies above the list, so only a list whose entries are
+  // all disabled has no value.
+  return std::all_of(first, fields.end(), [](std::wstring_view entry) {
+    return entry.empty() || entry.front() == L'(';
+  });
+}
+
+TEST(EnumConcurrency, ReadersSeeOnlyWhatWasValidAtSomeMoment) {
+  const Enum cvar = CvarObject<CCvarEnum>::Create();
+  cvar->Initialize(L"Choice", kLists[0], 0, CVARFLAGS(0), nullptr, 0,
+                   REPLICATE_VALUE | REPLICATE_REQUESTED, 0);
+  std::atomic<int> working{3};
+  std::atomic<int> wrong{0};
+  std::barrier start(4);
+  {
+    std::vector<std::jthread> threads;
+    threads.emplace_back([&] {
+      start.arrive_and_wait();
+      for (int i = 0; i < kRounds; ++i) {
+        (void)cvar->SetRange(kLists[i % 4], 0, nullptr, 0, false);
+        if (i % 7 == 0) (void)cvar->DeleteValue(L"D");
+        if (i % 5 == 0) (void)cvar->AddValue(L"E", 0, 0);
+      }
+      --working;
+    });
+    threads.emplace_back([&] {
+      start.arrive_and_wait();
+      for (int i = 0; i < kRounds; ++i) {
+        (void)cvar->Enable(i % 4, i % 3 == 0 ? 1 : 0);
+        (void)cvar->SetVariant(i % 3, CComVariant(L"variant"));
+      }
+      --working;
+    });
+    threads.emplace_back([&] {
+      start.arrive_and_wait();
+      for (int i = 0; i < kRounds; ++i) {
+        (void)cvar->SetRequestedValue(i % 5);
+        (void)cvar->SetRequestedValueFromString(i % 2 == 0 ? L"b" : L"F");
+        (void)cvar->Increment(i % 3);
+      }
+      --working;
+    });
+    threads.emplace_back([&] {
+      start.arrive_and_wait();
+      while (working.load() != 0) {
+        if (!IsChoiceOrNone(TextOf(*cvar, &IVorCvar::GetAdaptedValueStringScreen))) ++wrong;
+        if (!IsConsistent(TextOf(*cvar, &IVorCvar::get_Signature))) ++wrong;
+        CComVariant value;
+        if (cvar->get_Value(&value) != S_OK || !IsChoiceOrNone(value.bstrVal)) ++wrong;
+        const std::wstring range = TextOf(*cvar, &IVorCvar::get_RangeStringScreen);
+        for (const std::wstring_view entry : cvars::SplitText(range, L',')) {
+          if (!IsChoiceOrNone(std::wstring(entry))) ++wrong;
+        }
+        (void)cvar->GetNumberOfEnabledValueStates();
+        (void)cvar->GetIndexOfStringValue(L"g");
+      }
+    });
+  }
+  EXPECT_EQ(0, wrong.load());
+}
+
+TEST(EnumConcurrency, ListenersAreCalledOutsideTheLock) {
+  const Enum cvar = CvarObject<CCvarEnum>::Create();
+  cvar->Initialize(L"Choice", L"A,B,C", 0, CVARFLAGS(0), nullptr, 0,
+                   REPLICATE_VALUE | REPLICATE_REQUESTED, 0);
+  const auto listener = cvars::test::RecordingListener::Create();
+  ASSERT_EQ(S_OK, cvar->AttachCvarEventSink(listener));
+  std::atomic<int> reads{0};
+  // Another thread gets at the list while the listener runs; it would wait forever under the lock.
+  listener->onNotify = [&](IVorCvar*, NOTIFYTYPE) {
+    std::jthread([&] { reads += cvar->MaxValueIndex() >= 0 ? 1 : 0; }).join();
+  };
+  EXPECT_EQ(S_OK, cvar->SetRequestedValue(2));
+  EXPECT_EQ(S_OK, cvar->Disable(2));
+  EXPECT_EQ(S_OK, cvar->AddValue(L"D", 0, -1));
+  EXPECT_EQ(1, cvar->DeleteValue(L"A"));
+  EXPECT_TRUE(cvar->ChangeStringScreenValue(CComVariant(0), L"X"));
+  EXPECT_EQ(S_OK, cvar->SetVariant(0, CComVariant(1)));
+  EXPECT_EQ(S_OK, cvar->SetRange(L"P,Q", 0, nullptr, 0, false));
+  EXPECT_EQ(7, reads.load());
+}
+
+}  // namespace
