@@ -17,18 +17,12 @@ constexpr std::uint64_t Both(std::uint32_t number) noexcept {
   return number * std::uint64_t{0x1'0000'0001};
 }
 
-std::uint64_t FoldedSlowly(std::uint64_t block) noexcept {
-  wchar_t characters[kBlockCharacters];
-  std::memcpy(characters, &block, sizeof(block));
-  for (wchar_t& c : characters) c = FoldedCharacter(c);
-  std::memcpy(&block, characters, sizeof(block));
-  return block;
+constexpr bool IsAscii(std::uint64_t block) noexcept {
+  return (block & Both(~std::uint32_t{0x7F})) == 0;
 }
 
-/// Folds two characters at once.
-std::uint64_t Folded(std::uint64_t block) noexcept {
-  if ((block & Both(~std::uint32_t{0x7F})) != 0) [[unlikely]]
-    return FoldedSlowly(block);
+/// Folds two characters of ASCII at once.
+constexpr std::uint64_t FoldedAscii(std::uint64_t block) noexcept {
   // Adding carries into bit 7 from 'a' on, and once more from the character behind 'z' on.
   constexpr std::uint32_t kBit = 0x80;
   const std::uint64_t fromA = block + Both(kBit - L'a');
@@ -36,27 +30,43 @@ std::uint64_t Folded(std::uint64_t block) noexcept {
   return block - ((fromA & ~behindZ & Both(kBit)) >> 2);
 }
 
-/// A text as it is looked up: folded once, without a copy on the heap.
+std::uint64_t Folded(std::uint64_t block) noexcept {
+  if (IsAscii(block)) return FoldedAscii(block);
+  wchar_t characters[kBlockCharacters];
+  std::memcpy(characters, &block, sizeof(block));
+  for (wchar_t& c : characters) c = FoldedCharacter(c);
+  std::memcpy(&block, characters, sizeof(block));
+  return block;
+}
+
+/// A sum of products, so that none waits for another; the multipliers are odd and differ from place
+/// to place.
+class Hasher {
+ public:
+  explicit Hasher(std::size_t length) noexcept : m_sum(length * kSpread) {}
+  void Add(std::uint64_t block) noexcept {
+    m_sum += block * m_multiplier;
+    m_multiplier += kStep;
+  }
+  std::uint32_t Value() const noexcept {
+    return static_cast<std::uint32_t>((m_sum ^ (m_sum >> 29)) * kSpread >> 32);
+  }
+
+ private:
+  static constexpr std::uint64_t kSpread = 0x9E3779B97F4A7C15u;
+  static constexpr std::uint64_t kStep = 0xD6E8FEB86659FD92u;
+  std::uint64_t m_sum;
+  std::uint64_t m_multiplier = kSpread;
+};
+
+/// A text as it is looked up: folded without a copy on the heap.
+///
+/// Short texts of ASCII, which nearly all are, are folded once and kept; others are folded again
+/// when they are compared.
 class FoldedText {
  public:
   explicit FoldedText(std::wstring_view text) noexcept : m_text(text) {
-    // A sum of products, so that none waits for another; the multipliers are odd and differ from
-    // place to place.
-    constexpr std::uint64_t kSpread = 0x9E3779B97F4A7C15u;
-    constexpr std::uint64_t kStep = 0xD6E8FEB86659FD92u;
-    std::uint64_t hash = text.size() * kSpread;
-    std::uint64_t multiplier = kSpread;
-    const auto mix = [&](std::uint64_t block) noexcept {
-      hash += block * multiplier;
-      multiplier += kStep;
-    };
-    const std::size_t count = BlockCount();
-    const std::size_t pairs = std::min(m_text.size() / kBlockCharacters, kHead);
-    std::size_t i = 0;
-    for (; i < pairs; ++i) mix(m_head[i] = PairFrom(i));
-    for (; i < std::min(count, kHead); ++i) mix(m_head[i] = BlockFrom(i));
-    for (; i < count; ++i) mix(BlockFrom(i));
-    m_hash = static_cast<std::uint32_t>((hash ^ (hash >> 29)) * kSpread >> 32);
+    if (!KeepAscii()) FoldAny();
   }
 
   std::uint32_t Hash() const noexcept { return m_hash; }
@@ -64,36 +74,61 @@ class FoldedText {
   std::size_t BlockCount() const noexcept {
     return (m_text.size() + kBlockCharacters - 1) / kBlockCharacters;
   }
-  std::uint64_t BlockAt(std::size_t i) const noexcept {
-    return i < kHead ? m_head[i] : BlockFrom(i);
-  }
+  std::uint64_t BlockAt(std::size_t i) const noexcept { return Folded(RawBlock(i)); }
 
   /// Compares with as many blocks.
   bool Is(const std::uint64_t* stored) const noexcept {
     const std::size_t count = BlockCount();
-    for (std::size_t i = 0; i < count; ++i) {
-      if (stored[i] != BlockAt(i)) return false;
+    std::uint64_t different = 0;
+    if (m_isKept) {
+      for (std::size_t i = 0; i < count; ++i) different |= stored[i] ^ m_kept[i];
+    } else {
+      for (std::size_t i = 0; i < count; ++i) different |= stored[i] ^ BlockAt(i);
     }
-    return true;
+    return different == 0;
   }
 
  private:
-  static constexpr std::size_t kHead = 24;  // blocks that are kept; most texts are shorter
+  static constexpr std::size_t kKeptBlocks = 24;
 
-  std::uint64_t PairFrom(std::size_t i) const noexcept {
+  bool KeepAscii() noexcept {
+    const std::size_t pairs = m_text.size() / kBlockCharacters;
+    if (pairs >= kKeptBlocks) return false;
+    Hasher hasher(m_text.size());
+    std::uint64_t every = 0;
+    std::size_t i = 0;
+    const auto keep = [&](std::uint64_t block) noexcept {
+      every |= block;
+      hasher.Add(m_kept[i] = FoldedAscii(block));
+    };
+    for (; i < pairs; ++i) keep(RawPair(i));
+    if (m_text.size() % kBlockCharacters != 0) keep(static_cast<std::uint32_t>(m_text.back()));
+    m_hash = hasher.Value();
+    m_isKept = IsAscii(every);
+    return m_isKept;
+  }
+
+  void FoldAny() noexcept {
+    Hasher hasher(m_text.size());
+    for (std::size_t i = 0; i < BlockCount(); ++i) hasher.Add(BlockAt(i));
+    m_hash = hasher.Value();
+  }
+
+  std::uint64_t RawPair(std::size_t i) const noexcept {
     std::uint64_t block;
     std::memcpy(&block, m_text.data() + i * kBlockCharacters, sizeof(block));
-    return Folded(block);
+    return block;
   }
   /// Never reads behind the end of the text.
-  std::uint64_t BlockFrom(std::size_t i) const noexcept {
-    if (i * kBlockCharacters + 1 != m_text.size()) return PairFrom(i);
-    return Folded(static_cast<std::uint32_t>(m_text.back()));
+  std::uint64_t RawBlock(std::size_t i) const noexcept {
+    if (i * kBlockCharacters + 1 != m_text.size()) return RawPair(i);
+    return static_cast<std::uint32_t>(m_text.back());
   }
 
   std::wstring_view m_text;
-  std::uint32_t m_hash;
-  std::uint64_t m_head[kHead];
+  std::uint32_t m_hash = 0;
+  bool m_isKept = false;
+  std::uint64_t m_kept[kKeptBlocks];
 };
 
 /// Gives the place of the slot that holds the text, or of the free one where it belongs. There is

@@ -46,12 +46,22 @@ TEST(FoldedTextIndexTest, AZeroAtTheEndIsACharacter) {
   EXPECT_EQ(1, index.Find(std::wstring_view(L"AB\0", 3)));
 }
 
-TEST(FoldedTextIndexTest, EveryLengthAroundABlockIsTold) {
+TEST(FoldedTextIndexTest, EveryLengthIsTold) {
   FoldedTextIndex index;
   std::wstring text;
-  for (int length = 0; length <= 13; ++length, text += L'x') index.Add(text, length);
+  for (int length = 0; length <= 120; ++length, text += L'x') index.Add(text, length);
   text.clear();
-  for (int length = 0; length <= 13; ++length, text += L'X') EXPECT_EQ(length, index.Find(text));
+  for (int length = 0; length <= 120; ++length, text += L'X') EXPECT_EQ(length, index.Find(text));
+}
+
+TEST(FoldedTextIndexTest, LongTextsAreComparedToTheirEnd) {
+  FoldedTextIndex index;
+  const std::wstring start(99, L'\u00e4');
+  index.Add(start + L'a', 1);
+  index.Add(start + L'b', 2);
+  EXPECT_EQ(1, index.Find(start + L'A'));
+  EXPECT_EQ(2, index.Find(std::wstring(99, L'\u00c4') + L'B'));
+  EXPECT_EQ(FoldedTextIndex::kNone, index.Find(start + L'c'));
 }
 
 TEST(FoldedTextIndexTest, ClearForgets) {
