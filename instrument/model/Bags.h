@@ -21,6 +21,8 @@ CComPtr<CCvarBag> MakeMaskBag();
 /// notifier to do so they are made at once.
 /// @param channels  the bags of the channels, in order.
 CComPtr<CCvarBag> MakeDisplayBag(std::span<const CComPtr<CCvarBag>> channels);
+/// The picture that the screen shows.
+CComPtr<CCvarBag> MakeScreenBag();
 /// Where waveforms and set-ups are saved.
 CComPtr<CCvarBag> MakeStorageBag();
 

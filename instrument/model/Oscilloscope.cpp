@@ -12,6 +12,7 @@ Oscilloscope::Oscilloscope() {
   for (int number = 1; number <= kChannelCount; ++number) m_bags.push_back(MakeChannelBag(number));
   m_bags.push_back(MakeTriggerBag());
   m_bags.push_back(MakeMaskBag());
+  m_bags.push_back(MakeScreenBag());
   m_bags.push_back(MakeStorageBag());
   m_display = MakeDisplayBag(std::span(m_bags).subspan(1, kChannelCount));
   m_bags.push_back(m_display);

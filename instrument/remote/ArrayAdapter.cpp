@@ -9,14 +9,6 @@
 namespace cvars::remote {
 namespace {
 
-void AppendBlock(const std::string& bytes, std::string& answer) {
-  const std::string length = std::to_string(bytes.size());
-  answer += '#';
-  answer += std::to_string(length.size());
-  answer += length;
-  answer += bytes;
-}
-
 class TableAdapter final : public CvarAdapter {
  public:
   ScpiError Set(IVorCvar& cvar, const CommandCall& call) const override {

@@ -11,9 +11,9 @@ struct AdapterRow {
 };
 
 constexpr AdapterRow kAdapters[] = {
-    {L"Bool", BoolAdapter},       {L"Color", ColorAdapter},   {L"Double", DoubleAdapter},
-    {L"Enum", EnumAdapter},       {L"FileName", TextAdapter}, {L"ObjectName", TextAdapter},
-    {L"SafeArray", ArrayAdapter}, {L"String", TextAdapter},
+    {L"Bool", BoolAdapter},       {L"Color", ColorAdapter},     {L"Double", DoubleAdapter},
+    {L"Enum", EnumAdapter},       {L"FileName", TextAdapter},   {L"Image", ImageAdapter},
+    {L"ObjectName", TextAdapter}, {L"SafeArray", ArrayAdapter}, {L"String", TextAdapter},
 };
 
 }  // namespace

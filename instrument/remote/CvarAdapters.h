@@ -18,6 +18,8 @@ const CvarAdapter& EnumAdapter();
 
 /// Tables as texts in quotes or as blocks, and DEFault.
 const CvarAdapter& ArrayAdapter();
+/// Pictures as blocks that hold a BMP file.
+const CvarAdapter& ImageAdapter();
 /// Texts in quotes, and DEFault.
 const CvarAdapter& TextAdapter();
 

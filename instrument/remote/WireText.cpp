@@ -63,6 +63,14 @@ void AppendQuoted(std::string_view text, std::string& wire) {
   wire += '"';
 }
 
+void AppendBlock(std::string_view bytes, std::string& wire) {
+  const std::string length = std::to_string(bytes.size());
+  wire += '#';
+  wire += std::to_string(length.size());
+  wire += length;
+  wire += bytes;
+}
+
 std::wstring FromWire(std::string_view wire) {
   std::wstring text;
   text.reserve(wire.size());
