@@ -65,6 +65,7 @@
 #include "CCvarAction.h"
 #include "CCvarBitPattern.h"
 #include "CCvarBool.h"
+#include "CCvarBoolToFineGrainOn.h"
 #include "CCvarColor.h"
 #include "CCvarDouble.h"
 #include "CCvarDoubleIndirect.h"
