@@ -5,13 +5,16 @@
 #include "instrument/model/Bags.h"
 #include "instrument/model/DoubleCvars.h"
 #include "instrument/model/EnumCvars.h"
+#include "instrument/model/LockstepCvars.h"
 
 namespace cvars::model {
 namespace {
 
-// The scale is the voltage of one division; the position moves the trace by divisions.
+// The voltage of one division.
+constexpr LockstepRow kScale = {L"Scale", 0.1, 0.001, 10, LOCKSTEP_1_2_5, L"V", false};
+
+// The position moves the trace by divisions.
 constexpr DoubleRow kDoubles[] = {
-    {L"Scale", 0.1, 0.001, 10, 0.001, L"V"},
     {L"Offset", 0, -10, 10, 0.001, L"V"},
     {L"Position", 0, -4, 4, 0.01, L"DIV"},
     {L"Probe Attenuation|probe", 1, 0.1, 1000, 0.1, L""},
@@ -115,6 +118,7 @@ void AddTraceName(CCvarBag& bag, int number) {
 CComPtr<CCvarBag> MakeChannelBag(int number) {
   const std::wstring name = L"Channel" + std::to_wstring(number);
   CComPtr<CCvarBag> bag = CCvarBag::Create(name.c_str(), nullptr);
+  AddLockstepCvar(*bag, kScale);
   AddDoubleCvars(*bag, kDoubles);
   AddEnumCvars(*bag, kEnums);
   ApplyCouplingRule(*bag);

@@ -13,8 +13,9 @@ constexpr const wchar_t* kShown[] = {L"Scale", L"Offset", L"Position"};
 // Range and unit come from the channel with the first copy.
 constexpr DoubleRow kUnknown = {L"", 0, -1e9, 1e9, 0, L""};
 
-constexpr CVARREPLICATIONFLAGS kCopies = REPLICATE_VALUE | REPLICATE_REQUESTED | REPLICATE_RANGE |
-                                         REPLICATE_UNIT | REPLICATE_OVERRIDE_READONLY;
+// What was made of a request is shown, not the request.
+constexpr CVARREPLICATIONFLAGS kCopies =
+    REPLICATE_VALUE | REPLICATE_RANGE | REPLICATE_UNIT | REPLICATE_OVERRIDE_READONLY;
 constexpr NOTIFYTYPE kEverything = static_cast<NOTIFYTYPE>(0xFFFFFFFFu);
 
 void Follow(CvarObject<CCvarDouble>& shown, IVorCvar* setting) {
@@ -43,6 +44,7 @@ CComPtr<CCvarBag> MakeDisplayBag(std::span<const CComPtr<CCvarBag>> channels) {
       row.name = name.c_str();
       const CComPtr<CvarObject<CCvarDouble>> shown = MakeDoubleCvar(row);
       shown->SetReadOnly(1);
+      shown->SetFlags(CVARFLAG_COMPACT, true);
       shown->SetReplicationFlags(kCopies);
       Follow(*shown, source);
       if (display->Add(shown) != S_OK) throw std::logic_error("a cvar does not fit into its bag");

@@ -9,7 +9,10 @@ namespace cvars::model {
 Oscilloscope::Oscilloscope() {
   m_bags.push_back(MakeHorizontalBag());
   m_window.emplace(*m_bags.front());
-  for (int number = 1; number <= kChannelCount; ++number) m_bags.push_back(MakeChannelBag(number));
+  for (int number = 1; number <= kChannelCount; ++number) {
+    m_bags.push_back(MakeChannelBag(number));
+    m_probes.emplace_back(*m_bags.back());
+  }
   m_bags.push_back(MakeTriggerBag());
   m_bags.push_back(MakeMaskBag());
   m_bags.push_back(MakeScreenBag());

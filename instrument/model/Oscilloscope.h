@@ -1,11 +1,13 @@
 #pragma once
 
+#include <list>
 #include <optional>
 #include <span>
 #include <vector>
 
 #include "CComPtr.h"
 #include "CCvarBag.h"
+#include "instrument/model/ProbeScale.h"
 #include "instrument/model/WindowScale.h"
 
 namespace cvars::model {
@@ -29,6 +31,7 @@ class Oscilloscope {
  private:
   std::vector<CComPtr<CCvarBag>> m_bags;
   std::optional<WindowScale> m_window;
+  std::list<ProbeScale> m_probes;  // one a channel
   CComPtr<CCvarBag> m_display;  // one of the bags; it shows settings and has none
 };
 

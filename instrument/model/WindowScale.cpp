@@ -17,6 +17,7 @@ WindowScale::WindowScale(CCvarBag& horizontal)
   if (m_main == nullptr || horizontal.Add(m_scale) != S_OK) {
     throw std::logic_error("the window's scale does not fit into the bag");
   }
+  m_scale->SetReplicationFlags(REPLICATE_VALUE);  // the steps of the main scale
 }
 
 void WindowScale::SetTracks(bool tracks) {

@@ -14,6 +14,12 @@ constexpr AdapterRow kAdapters[] = {
     {L"Bool", BoolAdapter},       {L"Color", ColorAdapter},     {L"Double", DoubleAdapter},
     {L"Enum", EnumAdapter},       {L"FileName", TextAdapter},   {L"Image", ImageAdapter},
     {L"ObjectName", TextAdapter}, {L"SafeArray", ArrayAdapter}, {L"String", TextAdapter},
+    {L"Bool", BoolAdapter},       {L"Color", ColorAdapter},
+    {L"Double", NumberAdapter},   {L"DoubleLockstep", NumberAdapter},
+    {L"Integer", NumberAdapter},  {L"Long Integer", NumberAdapter},
+    {L"Enum", EnumAdapter},       {L"FileName", TextAdapter},
+    {L"ObjectName", TextAdapter}, {L"SafeArray", ArrayAdapter},
+    {L"String", TextAdapter},
 };
 
 }  // namespace

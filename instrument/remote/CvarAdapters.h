@@ -11,7 +11,7 @@ const CvarAdapter& BoolAdapter();
 /// Colours as #H numbers 0xBBGGRR.
 const CvarAdapter& ColorAdapter();
 /// Numbers with units, and the words that stand for numbers.
-const CvarAdapter& DoubleAdapter();
+const CvarAdapter& NumberAdapter();
 
 /// Choices by any of their spellings, answered by the remote one; UP, DOWN and DEFault.
 const CvarAdapter& EnumAdapter();

@@ -50,29 +50,29 @@ TEST_F(OscilloscopeTest, TheWindowsScaleIsItsOwnUntilItTracks) {
   m_scope.Window().SetTracks(true);
   EXPECT_TRUE(m_scope.Window().Tracks());
   EXPECT_EQ(Value(L"Horizontal", L"Window Scale"), 0.5);
-  EXPECT_EQ(Set(L"Horizontal", L"Scale", 0.25), S_OK);
-  EXPECT_EQ(Value(L"Horizontal", L"Window Scale"), 0.25);
+  EXPECT_EQ(Set(L"Horizontal", L"Scale", 0.2), S_OK);
+  EXPECT_EQ(Value(L"Horizontal", L"Window Scale"), 0.2);
 }
 
 TEST_F(OscilloscopeTest, TheMainScaleDoesNotFollowTheWindows) {
   m_scope.Window().SetTracks(true);
   EXPECT_EQ(Set(L"Horizontal", L"Window Scale", 2), S_OK);
   EXPECT_EQ(Value(L"Horizontal", L"Scale"), 1e-3);
-  EXPECT_EQ(Set(L"Horizontal", L"Scale", 0.25), S_OK);
-  EXPECT_EQ(Value(L"Horizontal", L"Window Scale"), 0.25);
+  EXPECT_EQ(Set(L"Horizontal", L"Scale", 0.2), S_OK);
+  EXPECT_EQ(Value(L"Horizontal", L"Window Scale"), 0.2);
 }
 
 TEST_F(OscilloscopeTest, AFreedWindowKeepsItsScale) {
   m_scope.Window().SetTracks(true);
-  EXPECT_EQ(Set(L"Horizontal", L"Scale", 0.25), S_OK);
+  EXPECT_EQ(Set(L"Horizontal", L"Scale", 0.2), S_OK);
   m_scope.Window().SetTracks(false);
   EXPECT_EQ(Set(L"Horizontal", L"Scale", 4), S_OK);
-  EXPECT_EQ(Value(L"Horizontal", L"Window Scale"), 0.25);
+  EXPECT_EQ(Value(L"Horizontal", L"Window Scale"), 0.2);
 }
 
 TEST_F(OscilloscopeTest, AResetFreesTheWindow) {
   m_scope.Window().SetTracks(true);
-  EXPECT_EQ(Set(L"Horizontal", L"Scale", 0.25), S_OK);
+  EXPECT_EQ(Set(L"Horizontal", L"Scale", 0.2), S_OK);
   m_scope.Reset();
   EXPECT_FALSE(m_scope.Window().Tracks());
   EXPECT_EQ(Value(L"Horizontal", L"Window Scale"), 1e-3);

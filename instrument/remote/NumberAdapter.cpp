@@ -3,10 +3,13 @@
 #include <algorithm>
 #include <string>
 #include <string_view>
+#include <type_traits>
 
 #include "CComBSTR.h"
 #include "CComPtr.h"
 #include "IVorCvarDouble.h"
+#include "IVorCvarInt.h"
+#include "IVorCvarLongInt.h"
 #include "instrument/remote/CvarAdapters.h"
 #include "instrument/remote/NumericParameter.h"
 #include "instrument/remote/Syntax.h"
@@ -15,26 +18,46 @@
 namespace cvars::remote {
 namespace {
 
+/// A number that a word stands for in a query.
+enum class Limit { kNone, kMin, kMax, kDefault };
+
 struct WordRow {
   std::string_view mnemonic;
   HRESULT (*set)(IVorCvar& cvar);
-  /// The number that the word stands for in a query; null when it stands for none.
-  HRESULT (IVorCvarDouble::*get)(double* value);
+  Limit limit;
 };
 
 const WordRow kWords[] = {
-    {"MINimum", [](IVorCvar& cvar) { return cvar.SetToMin(); }, &IVorCvarDouble::GetMinValue},
-    {"MAXimum", [](IVorCvar& cvar) { return cvar.SetToMax(); }, &IVorCvarDouble::GetMaxValue},
-    {"DEFault", [](IVorCvar& cvar) { return cvar.SetToDefault(); },
-     &IVorCvarDouble::GetDefaultValue},
-    {"UP", [](IVorCvar& cvar) { return cvar.Increment(1); }, nullptr},
-    {"DOWN", [](IVorCvar& cvar) { return cvar.Increment(-1); }, nullptr},
+    {"MINimum", [](IVorCvar& cvar) { return cvar.SetToMin(); }, Limit::kMin},
+    {"MAXimum", [](IVorCvar& cvar) { return cvar.SetToMax(); }, Limit::kMax},
+    {"DEFault", [](IVorCvar& cvar) { return cvar.SetToDefault(); }, Limit::kDefault},
+    {"UP", [](IVorCvar& cvar) { return cvar.Increment(1); }, Limit::kNone},
+    {"DOWN", [](IVorCvar& cvar) { return cvar.Increment(-1); }, Limit::kNone},
     {"INFinity", [](IVorCvar& cvar) { return cvar.SetRequestedValueFromStringRemote(L"INF"); },
-     nullptr},
+     Limit::kNone},
     {"NINFinity", [](IVorCvar& cvar) { return cvar.SetRequestedValueFromStringRemote(L"-INF"); },
-     nullptr},
-    {"NAN", [](IVorCvar& cvar) { return cvar.SetRequestedValueFromStringRemote(L"NAN"); }, nullptr},
+     Limit::kNone},
+    {"NAN", [](IVorCvar& cvar) { return cvar.SetRequestedValueFromStringRemote(L"NAN"); },
+     Limit::kNone},
 };
+
+/// Calls `visit` with the cvar's interface and a number of its type.
+template <class Interface, class Number, class Visit>
+bool VisitAs(IVorCvar& cvar, const Visit& visit, HRESULT& result) {
+  CComPtr<Interface> number;
+  const IID iid = InterfaceId<Interface>::value;
+  if (cvar.QueryInterface(iid, reinterpret_cast<void**>(&number)) != S_OK) return false;
+  result = visit(*number, Number{});
+  return true;
+}
+template <class Visit>
+HRESULT VisitNumber(IVorCvar& cvar, const Visit& visit) {
+  HRESULT result = E_NOINTERFACE;
+  (void)(VisitAs<IVorCvarDouble, double>(cvar, visit, result) ||
+         VisitAs<IVorCvarInt, int>(cvar, visit, result) ||
+         VisitAs<IVorCvarLongInt, std::int64_t>(cvar, visit, result));
+  return result;
+}
 
 const WordRow* FindWord(std::string_view text) noexcept {
   const auto* row = std::find_if(std::begin(kWords), std::end(kWords), [&](const WordRow& word) {
@@ -46,12 +69,9 @@ const WordRow* FindWord(std::string_view text) noexcept {
 /// The cvar's unit in its remote spelling, as clients write it.
 std::string UnitOf(IVorCvar& cvar) {
   std::string unit;
-  CComPtr<IVorCvarDouble> number;
   CComBSTR text;
-  if (cvar.QueryInterface(IID_IVorCvarDouble, reinterpret_cast<void**>(&number)) == S_OK &&
-      number->GetUnitRemoteString(&text) == S_OK) {
-    AppendToWire(text.View(), unit);
-  }
+  const auto read = [&text](auto& number, auto) { return number.GetUnitRemoteString(&text); };
+  if (VisitNumber(cvar, read) == S_OK) AppendToWire(text.View(), unit);
   return unit;
 }
 
@@ -83,16 +103,22 @@ ScpiError SetNumber(IVorCvar& cvar, std::string_view parameter) {
 ScpiError AppendLimit(IVorCvar& cvar, const Parameter& parameter, std::string& answer) {
   if (parameter.kind != Parameter::Kind::kWord) return ScpiError::kDataTypeError;
   const WordRow* const word = FindWord(parameter.text);
-  if (word == nullptr || word->get == nullptr) return ScpiError::kIllegalParameterValue;
-  CComPtr<IVorCvarDouble> number;
-  HRESULT result = cvar.QueryInterface(IID_IVorCvarDouble, reinterpret_cast<void**>(&number));
-  double value = 0;
-  if (result == S_OK) result = (number->*word->get)(&value);
-  if (result == S_OK) AppendNumber(value, answer);
-  return ErrorOf(result);
+  if (word == nullptr || word->limit == Limit::kNone) return ScpiError::kIllegalParameterValue;
+  return ErrorOf(VisitNumber(cvar, [&](auto& number, auto value) {
+    const HRESULT read = word->limit == Limit::kMin   ? number.GetMinValue(&value)
+                         : word->limit == Limit::kMax ? number.GetMaxValue(&value)
+                                                      : number.GetDefaultValue(&value);
+    if (FAILED(read)) return read;
+    if constexpr (std::is_same_v<decltype(value), double>) {
+      AppendNumber(value, answer);
+    } else {
+      answer += std::to_string(value);
+    }
+    return S_OK;
+  }));
 }
 
-class NumberAdapter final : public CvarAdapter {
+class NumericAdapter final : public CvarAdapter {
  public:
   ScpiError Set(IVorCvar& cvar, const CommandCall& call) const override {
     if (const ScpiError error = CheckParameterCount(call, 1, 1); error != ScpiError::kNone) {
@@ -123,8 +149,8 @@ class NumberAdapter final : public CvarAdapter {
 
 }  // namespace
 
-const CvarAdapter& DoubleAdapter() {
-  static const NumberAdapter adapter;
+const CvarAdapter& NumberAdapter() {
+  static const NumericAdapter adapter;
   return adapter;
 }
 
