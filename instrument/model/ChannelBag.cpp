@@ -1,4 +1,3 @@
-#include <atomic>
 #include <string>
 
 #include "Cvars.h"
@@ -31,54 +30,20 @@ constexpr EnumRow kEnums[] = {
 // 0xBBGGRR: yellow, magenta, cyan, green.
 constexpr int kTraceColors[] = {0x00FFFF, 0xFF00FF, 0xFFFF00, 0x00FF00};
 
-/// Keeps AC coupling out of the choices while the input is terminated for high frequencies.
-class CouplingRule final : public IVorCvarEventSink {
- public:
-  static CComPtr<CouplingRule> Create(IVorCvarEnum* coupling) {
-    CComPtr<CouplingRule> rule;
-    rule.Attach(new CouplingRule(coupling));
-    return rule;
-  }
-
-  HRESULT QueryInterface(REFIID iid, void** object) override {
-    if (object == nullptr) return E_POINTER;
-    *object = nullptr;
-    if (iid != IID_IUnknown && iid != IID_IVorCvarEventSink) return E_NOINTERFACE;
-    *object = static_cast<IVorCvarEventSink*>(this);
-    AddRef();
-    return S_OK;
-  }
-  ULONG AddRef() override { return ++m_references; }
-  ULONG Release() override {
-    const ULONG left = --m_references;
-    if (left == 0) delete this;
-    return left;
-  }
-  HRESULT OnCvarNotify(IVorCvar* termination, NOTIFYTYPE what) override {
+// Keeps AC coupling out of the choices while the input is terminated for high frequencies.
+void ApplyCouplingRule(CCvarBag& bag) {
+  CComPtr<IVorCvarEnum> coupling;
+  if (bag.Find(L"Coupling").QueryInterface(&coupling) != S_OK) return;
+  const auto rule = [coupling](IVorCvar* termination, NOTIFYTYPE what) {
     if ((what & NOTIFY_VALUE) == 0) return S_OK;
     constexpr double kLeastForAc = 1000;  // ohms
     CComVariant resistance;
     const HRESULT read = termination->get_Value(&resistance);
     if (read != S_OK) return read;
-    const HRESULT set = m_coupling->Enable(CComVariant(L"AC"), resistance.dblVal >= kLeastForAc);
+    const HRESULT set = coupling->Enable(CComVariant(L"AC"), resistance.dblVal >= kLeastForAc);
     return set == S_FALSE ? S_OK : set;  // nothing new is no news
-  }
-
- private:
-  explicit CouplingRule(IVorCvarEnum* coupling) : m_coupling(coupling) {}
-  ~CouplingRule() = default;
-
-  std::atomic<ULONG> m_references{1};
-  CComPtr<IVorCvarEnum> m_coupling;
-};
-
-void ApplyCouplingRule(CCvarBag& bag) {
-  const CComPtr<IVorCvar> coupling = bag.Find(L"Coupling");
-  CComPtr<IVorCvarEnum> choices;
-  if (coupling->QueryInterface(IID_IVorCvarEnum, reinterpret_cast<void**>(&choices)) != S_OK) {
-    return;
-  }
-  (void)bag.Find(L"Termination")->AttachCvarEventSink(CouplingRule::Create(choices));
+  };
+  (void)bag.Find(L"Termination")->AttachCvarEventSink(FunctionListener::Create(rule));
 }
 
 void AddTraceColor(CCvarBag& bag, int number) {

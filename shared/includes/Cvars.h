@@ -97,3 +97,4 @@
 // Client kit.
 #include "CCvarBag.h"
 #include "CvarObject.h"
+#include "FunctionListener.h"
