@@ -6,6 +6,10 @@ namespace cvars::remote {
 
 // One adapter per file, which is named after the function.
 
+/// Commands without value.
+const CvarAdapter& ActionAdapter();
+/// Bits as texts in quotes or as numbers, and DEFault.
+const CvarAdapter& BitPatternAdapter();
 /// On and off, written ON or 1 and OFF or 0, and answered 1 or 0.
 const CvarAdapter& BoolAdapter();
 /// Colours as #H numbers 0xBBGGRR.
@@ -15,6 +19,11 @@ const CvarAdapter& NumberAdapter();
 
 /// Choices by any of their spellings, answered by the remote one; UP, DOWN and DEFault.
 const CvarAdapter& EnumAdapter();
+
+/// Objects by their texts, and DEFault.
+const CvarAdapter& ObjectAdapter();
+/// Registers as #H1F; &h1F is taken too, and DEFault.
+const CvarAdapter& RegisterAdapter();
 
 /// Tables as texts in quotes or as blocks, and DEFault.
 const CvarAdapter& ArrayAdapter();

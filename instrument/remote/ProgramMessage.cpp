@@ -91,6 +91,8 @@ ScpiError ReadParameter(std::string_view text, Parameter& parameter, std::size_t
       parameter.kind = Parameter::Kind::kNumber;
     } else if (first == '#') {
       parameter.kind = Parameter::Kind::kNonDecimal;
+    } else if (first == '&') {
+      parameter.kind = Parameter::Kind::kAutomationNumber;
     } else if (first == '(') {
       parameter.kind = Parameter::Kind::kExpression;
     } else {

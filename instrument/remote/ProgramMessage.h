@@ -11,12 +11,13 @@ namespace cvars::remote {
 /// One parameter of a command as it was written.
 struct Parameter {
   enum class Kind {
-    kNumber,      ///< 1.5, -3E2, 1.5 MV
-    kNonDecimal,  ///< #H1F, #Q17, #B101
-    kWord,        ///< MAXimum
-    kString,      ///< 'a text' or "a text", quotes included
-    kBlock,       ///< the bytes that a block carries
-    kExpression,  ///< (1:4)
+    kNumber,            ///< 1.5, -3E2, 1.5 MV
+    kNonDecimal,        ///< #H1F, #Q17, #B101
+    kAutomationNumber,  ///< &h1F
+    kWord,              ///< MAXimum
+    kString,            ///< 'a text' or "a text", quotes included
+    kBlock,             ///< the bytes that a block carries
+    kExpression,        ///< (1:4)
   };
   Kind kind = Kind::kWord;
   std::string_view text;  ///< borrowed from the line
