@@ -11,21 +11,13 @@ struct AdapterRow {
 };
 
 constexpr AdapterRow kAdapters[] = {
-    {L"Action", ActionAdapter},
-    {L"BitPattern", BitPatternAdapter},
-    {L"Bool", BoolAdapter},
-    {L"Color", ColorAdapter},
-    {L"Double", DoubleAdapter},
-    {L"Double", NumberAdapter},
-    {L"DoubleLockstep", NumberAdapter},
-    {L"Enum", EnumAdapter},
-    {L"FileName", TextAdapter},
-    {L"Image", ImageAdapter},
-    {L"Integer", NumberAdapter},
-    {L"Object", ObjectAdapter},
-    {L"ObjectName", TextAdapter},
-    {L"Register", RegisterAdapter},
-    {L"SafeArray", ArrayAdapter},
+    {L"Action", ActionAdapter},     {L"BitPattern", BitPatternAdapter},
+    {L"Bool", BoolAdapter},         {L"Color", ColorAdapter},
+    {L"Double", NumberAdapter},     {L"DoubleLockstep", NumberAdapter},
+    {L"Enum", EnumAdapter},         {L"FileName", TextAdapter},
+    {L"Image", ImageAdapter},       {L"Integer", NumberAdapter},
+    {L"Object", ObjectAdapter},     {L"ObjectName", TextAdapter},
+    {L"Register", RegisterAdapter}, {L"SafeArray", ArrayAdapter},
     {L"String", TextAdapter},
 };
 
