@@ -6,6 +6,7 @@
 #include <utility>
 #include <vector>
 
+#include "EventLogClient.h"
 #include "IndexRequest.h"
 #include "SignatureText.h"
 #include "TextCase.h"
@@ -298,6 +299,14 @@ int CCvarEnum::NextValue(int index) {
 int CCvarEnum::PrevValue(int index) {
   const ScopedLock guard(m_lock);
   return m_table.Previous(index, HasFlag(CVARFLAG_WRAPPING));
+}
+
+HRESULT CCvarEnum::LogCvarEnumEvent(const CComBSTR& text, long level) {
+  CComBSTR names;
+  const HRESULT named = get_BagAndCvarName(&names);
+  if (FAILED(named)) return named;
+  cvars::EventLogClient client(L"CvarEnum");
+  return client.LogEvent(text, names, level, nullptr, CComVariant());
 }
 
 HRESULT CCvarEnum::GetNumberOfValueStates(int* count) {

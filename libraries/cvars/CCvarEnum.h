@@ -119,7 +119,7 @@ class CVARS_API CCvarEnum : public IVorCvarImpl<CCvarEnum, IVorCvarEnum, int> {
   HRESULT SetDefaultValue(int index);
 
   // Looking at the list
-  // 
+  //
 
   /// Index of the last entry; -1 when there is none.
   int MaxValueIndex();
@@ -133,8 +133,13 @@ class CVARS_API CCvarEnum : public IVorCvarImpl<CCvarEnum, IVorCvarEnum, int> {
   int NextValue(int index);
   int PrevValue(int index);
 
+  /// Writes to the event log under the source "CvarEnum", with the names of bag and cvar.
+  /// @param level  1 error, 2 warning, 4 information.
+  /// @return what the log answered
+  HRESULT LogCvarEnumEvent(const CComBSTR& text, long level);
+
   // IVorCvarEnum
-  // 
+  //
 
   HRESULT GetAdaptedValue(int* index) override { return Base::GetAdaptedValue(index); }
   HRESULT GetDefaultValue(int* index) override { return Base::GetDefaultValue(index); }
@@ -191,7 +196,7 @@ class CVARS_API CCvarEnum : public IVorCvarImpl<CCvarEnum, IVorCvarEnum, int> {
   HRESULT GetFullRangeString(int includeDisabled, BSTR* text) override;
 
   // The common interface
-  // 
+  //
 
   /// Adapted index divided by the last one; a single entry gives not-a-number, which is meant.
   HRESULT GetAdaptedValueNorm(double* position) override;
