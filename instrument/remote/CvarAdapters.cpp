@@ -11,14 +11,14 @@ struct AdapterRow {
 };
 
 constexpr AdapterRow kAdapters[] = {
-    {L"Action", ActionAdapter},     {L"BitPattern", BitPatternAdapter},
-    {L"Bool", BoolAdapter},         {L"Color", ColorAdapter},
-    {L"Double", NumberAdapter},     {L"DoubleLockstep", NumberAdapter},
-    {L"Enum", EnumAdapter},         {L"FileName", TextAdapter},
-    {L"Image", ImageAdapter},       {L"Integer", NumberAdapter},
-    {L"Object", ObjectAdapter},     {L"ObjectName", TextAdapter},
-    {L"Register", RegisterAdapter}, {L"SafeArray", ArrayAdapter},
-    {L"String", TextAdapter},
+    {L"Action", ActionAdapter},       {L"BitPattern", BitPatternAdapter},
+    {L"Bool", BoolAdapter},           {L"Color", ColorAdapter},
+    {L"Double", NumberAdapter},       {L"DoubleLockstep", NumberAdapter},
+    {L"Enum", EnumAdapter},           {L"FileName", TextAdapter},
+    {L"Image", ImageAdapter},         {L"Integer", NumberAdapter},
+    {L"Long Integer", NumberAdapter}, {L"Object", ObjectAdapter},
+    {L"ObjectName", TextAdapter},     {L"Register", RegisterAdapter},
+    {L"SafeArray", ArrayAdapter},     {L"String", TextAdapter},
 };
 
 }  // namespace

@@ -22,7 +22,7 @@ class PyVisaTest(unittest.TestCase):
 
     def test_scale_reads_back_adapted(self):
         self.visa.write("CHANNEL1:SCALE 0.12345")
-        self.assertEqual(self.visa.query("CHANNEL1:SCALE?"), "123E-3")
+        self.assertEqual(self.visa.query("CHANNEL1:SCALE?"), "100E-3")
         self.visa.write("CHANNEL1:SCALE 1000")
         self.assertEqual(self.visa.query("CHANNEL1:SCALE?"), "10")
         self.assertEqual(float(self.visa.query("CHANNEL1:SCALE 20 MV;SCALE?")), 0.02)
