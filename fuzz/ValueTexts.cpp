@@ -9,18 +9,9 @@
 
 #include "CCvarEnum.h"
 #include "CvarObject.h"
+#include "WideText.h"
 
 namespace {
-
-std::wstring TextOf(const std::uint8_t* data, std::size_t size) {
-  std::wstring text;
-  for (std::size_t i = 0; i < size; ++i) {
-    const bool isWide = data[i] >= 0xF0 && i + 1 < size;
-    text +=
-        isWide ? static_cast<wchar_t>(data[i] << 8 | data[i + 1]) : static_cast<wchar_t>(data[i]);
-  }
-  return text;
-}
 
 void Require(bool holds) {
   if (!holds) std::abort();
@@ -49,7 +40,7 @@ void Check(CCvarEnum& cvar) {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   if (size == 0) return 0;
-  const std::wstring text = TextOf(data + 1, size - 1);
+  const std::wstring text = cvars::fuzz::WideText(data + 1, size - 1);
   const auto cvar = CvarObject<CCvarEnum>::Create();
   cvar->SetFlags((data[0] & 1) != 0 ? CVARFLAG_SPECIALCHARS : CVARFLAG_WRAPPING, true);
   const int index = data[0] >> 4;
