@@ -8,6 +8,7 @@ namespace cvars::model {
 
 Oscilloscope::Oscilloscope() {
   m_bags.push_back(MakeHorizontalBag());
+  m_fineGrain.emplace(*m_bags.front());
   m_window.emplace(*m_bags.front());
   for (int number = 1; number <= kChannelCount; ++number) {
     m_bags.push_back(MakeChannelBag(number));

@@ -7,6 +7,7 @@
 
 #include "CComPtr.h"
 #include "CCvarBag.h"
+#include "instrument/model/FineGrainSwitch.h"
 #include "instrument/model/ProbeScale.h"
 #include "instrument/model/WindowScale.h"
 
@@ -30,9 +31,10 @@ class Oscilloscope {
 
  private:
   std::vector<CComPtr<CCvarBag>> m_bags;
+  std::optional<FineGrainSwitch> m_fineGrain;
   std::optional<WindowScale> m_window;
   std::list<ProbeScale> m_probes;  // one a channel
-  CComPtr<CCvarBag> m_display;  // one of the bags; it shows settings and has none
+  CComPtr<CCvarBag> m_display;     // one of the bags; it shows settings and has none
 };
 
 }  // namespace cvars::model

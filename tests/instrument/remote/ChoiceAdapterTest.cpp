@@ -166,5 +166,12 @@ TEST_F(ScopeChoicesTest, ALowTerminationRulesAcCouplingOut) {
   EXPECT_EQ(TakeError(), 0);
 }
 
+TEST_F(ScopeChoicesTest, TheFineGrainSwitchLetsTheScaleTakeFinerValues) {
+  EXPECT_EQ(Ask("HORIZONTAL:FINE?;SCALE 3E-3;SCALE?"), "0;2E-3\n");
+  EXPECT_EQ(Ask("HORIZONTAL:FINE ON;FINE?;SCALE?"), "1;3E-3\n");
+  EXPECT_EQ(Ask("HORIZONTAL:FINE OFF;FINE?;SCALE?"), "0;2E-3\n");
+  EXPECT_EQ(TakeError(), 0);
+}
+
 }  // namespace
 }  // namespace cvars::remote
