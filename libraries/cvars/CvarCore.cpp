@@ -16,10 +16,6 @@ using platform::ScopedLock;
 
 namespace {
 
-// Set while the last reference is being given back: references taken and given back by then no
-// longer bring the count to zero.
-constexpr std::uint32_t kGoing = 0x80000000u;
-
 HINSTANCE ToModule(unsigned long module) noexcept { return reinterpret_cast<HINSTANCE>(module); }
 
 unsigned long ToNumber(HINSTANCE module) noexcept {
@@ -38,13 +34,17 @@ CvarCore::CvarCore() noexcept = default;
 
 CvarCore::~CvarCore() { delete m_extras.load(std::memory_order_relaxed); }
 
-ULONG CvarCore::ReleaseReference() {
-  const std::uint32_t left = m_references.fetch_sub(1, std::memory_order_acq_rel) - 1;
-  if (left != 0) return left & ~kGoing;
+ULONG CvarCore::ReleaseHold() {
+  const std::uint32_t notifications = m_listeners.LetGo();
+  if (notifications == 0) Go();
+  return notifications;
+}
+
+void CvarCore::Go() {
   m_references.store(kGoing | 1, std::memory_order_relaxed);
+  m_listeners.Hold();  // so that no notification sent from here is the last holder
   FinalRelease();
   Destroy();
-  return 0;
 }
 
 bool CvarCore::TryAddReference() noexcept {

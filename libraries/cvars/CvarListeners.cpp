@@ -11,70 +11,44 @@ namespace cvars {
 using platform::RecursiveLock;
 using platform::ScopedLock;
 
-namespace {
+CvarListeners::Block* CvarListeners::Block::Make(std::uint32_t capacity) {
+  const std::size_t bytes = sizeof(Block) + std::size_t{capacity} * 2 * sizeof(void*);
+  void* memory = std::malloc(bytes);
+  if (memory == nullptr) throw std::bad_alloc();
+  Block* block = new (memory) Block;
+  block->capacity = capacity;
+  return block;
+}
 
-constexpr std::uint64_t kTake = 1;
-constexpr unsigned kDepthShift = 10;
-constexpr unsigned kBlockShift = 20;
-constexpr std::uint64_t kDepth = std::uint64_t{1} << kDepthShift;
-constexpr std::uint64_t kTakenMask = kDepth - 1;
-constexpr std::uint64_t kDepthMask = ((std::uint64_t{1} << kBlockShift) - 1) & ~kTakenMask;
+void CvarListeners::Block::Destroy(Block* block) noexcept {
+  if (block == nullptr) return;
+  const std::uint32_t count = block->count.load(std::memory_order_relaxed);
+  for (std::uint32_t i = 0; i < count; ++i) block->Sinks()[i]->Release();
+  block->~Block();
+  std::free(block);
+}
 
-}  // namespace
+void CvarListeners::Block::Append(IVorCvarEventSink* sink, IUnknown* identity) noexcept {
+  const std::uint32_t index = count.load(std::memory_order_relaxed);
+  Sinks()[index] = sink;
+  Identities()[index] = identity;
+  count.store(index + 1, std::memory_order_seq_cst);
+}
 
-// Sinks first, then the identity of each; both arrays have room for `capacity`.
-struct alignas(16) CvarListeners::Block {
-  std::atomic<std::int64_t> out{0};  // snapshots taken minus those given back, once it is replaced
-  std::atomic<std::uint32_t> count{0};
-  std::uint32_t capacity = 0;
-
-  IVorCvarEventSink** Sinks() noexcept { return reinterpret_cast<IVorCvarEventSink**>(this + 1); }
-  IUnknown** Identities() noexcept { return reinterpret_cast<IUnknown**>(Sinks() + capacity); }
-
-  static Block* Make(std::uint32_t capacity) {
-    const std::size_t bytes = sizeof(Block) + std::size_t{capacity} * 2 * sizeof(void*);
-    void* memory = std::malloc(bytes);
-    if (memory == nullptr) throw std::bad_alloc();
-    Block* block = new (memory) Block;
-    block->capacity = capacity;
-    return block;
+// From the end: what was attached last is detached first as a rule.
+std::uint32_t CvarListeners::Block::Find(IUnknown* identity) noexcept {
+  IUnknown** const all = Identities();
+  const std::uint32_t n = count.load(std::memory_order_relaxed);
+  std::uint32_t i = n;
+  for (; i >= 4; i -= 4) {
+    const bool here = (all[i - 1] == identity) | (all[i - 2] == identity) |
+                      (all[i - 3] == identity) | (all[i - 4] == identity);
+    if (here) break;
   }
-
-  // A block that is left goes with its references.
-  static void Destroy(Block* block) noexcept {
-    if (block == nullptr) return;
-    const std::uint32_t count = block->count.load(std::memory_order_relaxed);
-    for (std::uint32_t i = 0; i < count; ++i) block->Sinks()[i]->Release();
-    block->~Block();
-    std::free(block);
+  for (; i > 0; --i) {
+    if (all[i - 1] == identity) return i - 1;
   }
-
-  void Append(IVorCvarEventSink* sink, IUnknown* identity) noexcept {
-    const std::uint32_t index = count.load(std::memory_order_relaxed);
-    Sinks()[index] = sink;
-    Identities()[index] = identity;
-    count.store(index + 1, std::memory_order_seq_cst);
-  }
-
-  // From the end: what was attached last is detached first as a rule.
-  std::uint32_t Find(IUnknown* identity) noexcept {
-    IUnknown** const all = Identities();
-    const std::uint32_t n = count.load(std::memory_order_relaxed);
-    std::uint32_t i = n;
-    for (; i >= 4; i -= 4) {
-      const bool here = (all[i - 1] == identity) | (all[i - 2] == identity) |
-                        (all[i - 3] == identity) | (all[i - 4] == identity);
-      if (here) break;
-    }
-    for (; i > 0; --i) {
-      if (all[i - 1] == identity) return i - 1;
-    }
-    return n;
-  }
-};
-
-CvarListeners::Block* CvarListeners::BlockOf(std::uint64_t word) noexcept {
-  return reinterpret_cast<Block*>((word >> kBlockShift) << 4);
+  return n;
 }
 
 CvarListeners::~CvarListeners() {
@@ -87,7 +61,7 @@ CvarListeners::~CvarListeners() {
 CvarListeners::Block* CvarListeners::Replace(Block* block) noexcept {
   const std::uint64_t address = (reinterpret_cast<std::uintptr_t>(block) >> 4) << kBlockShift;
   std::uint64_t word = m_word.load(std::memory_order_relaxed);
-  while (!m_word.compare_exchange_weak(word, address | (word & kDepthMask),
+  while (!m_word.compare_exchange_weak(word, address | (word & kHoldersMask),
                                        std::memory_order_acq_rel, std::memory_order_relaxed)) {
   }
   Block* const old = BlockOf(word);
@@ -189,6 +163,7 @@ IVorCvarEventSink* CvarListeners::At(long index, RecursiveLock& lock) const {
 }
 
 void CvarListeners::DetachAll(RecursiveLock& lock) {
+  if (Empty()) return;
   Block* replaced = nullptr;
   {
     ScopedLock guard(lock);
@@ -197,40 +172,22 @@ void CvarListeners::DetachAll(RecursiveLock& lock) {
   Block::Destroy(replaced);
 }
 
-CvarListeners::Snapshot::Snapshot(CvarListeners& listeners) noexcept
-    : m_listeners(listeners),
-      m_word(listeners.m_word.fetch_add(kDepth + kTake, std::memory_order_seq_cst) + kDepth +
-             kTake) {
-  m_block = BlockOf(m_word);
-  m_depth = static_cast<std::uint32_t>((m_word & kDepthMask) >> kDepthShift);
-  if (m_block != nullptr) {
-    m_count = m_block->count.load(std::memory_order_seq_cst);
-    m_begin = m_block->Sinks();
-  }
-}
-
-CvarListeners::Snapshot::~Snapshot() {
-  if (!m_listeners.m_word.compare_exchange_strong(
-          m_word, m_word - kDepth - kTake, std::memory_order_acq_rel, std::memory_order_relaxed)) {
-    m_listeners.GiveBackSlowly(m_block);
-  }
-}
-
 // The word changed since the snapshot was taken: by other notifications, or because the block was
 // replaced, in which case the block itself counts its snapshots.
-void CvarListeners::GiveBackSlowly(Block* block) noexcept {
+bool CvarListeners::GiveBackSlowly(Block* block) noexcept {
   std::uint64_t word = m_word.load(std::memory_order_relaxed);
   for (;;) {
     const bool current = BlockOf(word) == block;
-    const std::uint64_t next = word - kDepth - (current ? kTake : 0);
+    const std::uint64_t next = word - kHolder - (current ? kTake : 0);
     if (!m_word.compare_exchange_weak(word, next, std::memory_order_acq_rel,
                                       std::memory_order_relaxed)) {
       continue;
     }
+    // From here on only the last holder may touch the cvar.
     if (!current && block != nullptr && block->out.fetch_sub(1, std::memory_order_acq_rel) == 1) {
       Block::Destroy(block);
     }
-    return;
+    return HoldersOf(next) == 0;
   }
 }
 

@@ -29,37 +29,55 @@ struct GuardedListener {
   }
 };
 
-// What a notification keeps alive: the cvar, and the container that must not vanish under it.
-class Keepers {
- public:
-  Keepers(CvarCore& cvar, IUnknown* parent) noexcept : m_cvar(cvar), m_parent(parent) {
-    if (m_parent != nullptr) m_parent->AddRef();
-    m_cvar.AddReference();
-  }
-  ~Keepers() {
-    // The cvar may be gone after this.
-    m_cvar.ReleaseReference();
-    if (m_parent != nullptr) m_parent->Release();
-  }
-  Keepers(const Keepers&) = delete;
-  Keepers& operator=(const Keepers&) = delete;
-
- private:
-  CvarCore& m_cvar;
-  IUnknown* m_parent;
-};
-
 }  // namespace
 
-HRESULT CvarCore::SendPending(NOTIFYCLIENTS which) {
-  const Keepers keepers(*this, GetParent());
-  const NOTIFYTYPE what = m_pending.Take();
-  const CvarListeners::Snapshot listeners(m_listeners);
-  if (listeners.Depth() == kRecursionLimit &&
-      !m_recursionReported.load(std::memory_order_relaxed)) {
-    ReportRecursion();
+// What is sent, to whom, and what stays alive meanwhile: the cvar, and the container that must not
+// vanish under it.
+class CvarCore::Notification {
+ public:
+  explicit Notification(CvarCore& cvar)
+      : m_cvar(cvar),
+        m_parent(Kept(cvar.GetParent())),
+        what(cvar.m_pending.Take()),
+        listeners(cvar.m_listeners) {}
+  ~Notification() {
+    // The cvar may be gone after this.
+    if (listeners.GiveBack()) m_cvar.Go();
+    if (m_parent != nullptr) m_parent->Release();
+  }
+  Notification(const Notification&) = delete;
+  Notification& operator=(const Notification&) = delete;
+
+  bool TooDeep() const noexcept {
+    if (listeners.Holders() < kRecursionLimit) [[likely]] {
+      return false;
+    }
+    const bool referenced = m_cvar.m_references.load(std::memory_order_relaxed) != 0;
+    return listeners.Holders() - (referenced ? 1 : 0) == kRecursionLimit &&
+           !m_cvar.m_recursionReported.load(std::memory_order_relaxed);
   }
 
+ private:
+  static IUnknown* Kept(IUnknown* parent) {
+    if (parent != nullptr) parent->AddRef();
+    return parent;
+  }
+
+  CvarCore& m_cvar;
+  IUnknown* const m_parent;
+
+ public:
+  // Taken before the listeners: a listener that is not among them was attached after the change.
+  const NOTIFYTYPE what;
+  CvarListeners::Snapshot listeners;
+};
+
+HRESULT CvarCore::SendPending(NOTIFYCLIENTS which) {
+  Notification notification(*this);
+  if (notification.TooDeep()) ReportRecursion();
+
+  const NOTIFYTYPE what = notification.what;
+  const CvarListeners::Snapshot& listeners = notification.listeners;
   IVorCvar* const source = GetIVorCvar();
   HRESULT result = S_OK;
   auto next = listeners.begin();

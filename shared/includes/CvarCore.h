@@ -29,16 +29,32 @@ class ReplicationManager;
 /// What all cvars share whatever their value: identity, names, flags, help, icon, hints, parent,
 /// listeners and notifications. Compiled once; IVorCvarImpl adds what depends on the value.
 ///
-/// Names, flags, help, icon and hints are state that the owner's thread writes. Replicas read them on
-/// other threads, so numbers are relaxed atomics, and texts are under the object lock as the
+/// Names, flags, help, icon and hints are state that the owner's thread writes. Replicas read them
+/// on other threads, so numbers are relaxed atomics, and texts are under the object lock as the
 /// listeners are; it is never held while a listener, a parent or a component runs.
 class CVARS_API CvarCore : public CvarBaseCpp {
  public:
   // Reference count -------------------------------------------------------------------------
 
-  ULONG AddReference() noexcept { return m_references.fetch_add(1, std::memory_order_relaxed) + 1; }
+  // References together hold the cvar once, and so does every notification under way, which counts
+  // as a reference to whoever asks.
+
+  ULONG AddReference() noexcept {
+    const std::uint32_t before = m_references.fetch_add(1, std::memory_order_relaxed);
+    if (before == 0) [[unlikely]] {
+      m_listeners.Hold();
+    }
+    return before + m_listeners.Holders();
+  }
   /// Gives a reference back; the last one runs FinalRelease and destroys the cvar.
-  ULONG ReleaseReference();
+  ULONG ReleaseReference() {
+    const std::uint32_t notifications = m_listeners.Holders() - 1;
+    const std::uint32_t left = m_references.fetch_sub(1, std::memory_order_acq_rel) - 1;
+    if (left == 0) [[unlikely]] {
+      return ReleaseHold();
+    }
+    return (left & ~kGoing) + notifications;
+  }
   /// Adds a reference unless the last one is already gone.
   bool TryAddReference() noexcept;
 
@@ -96,15 +112,15 @@ class CVARS_API CvarCore : public CvarBaseCpp {
 
   // Replication --------------------------------------------------------------------------------
   //
-  // Two cvars are tied by a connection, which the cvar that starts it owns and which holds the other
-  // cvar by reference; cvars that hold each other this way live until one of them stops. Starting
-  // and stopping are thread-safe.
+  // Two cvars are tied by a connection, which the cvar that starts it owns and which holds the
+  // other cvar by reference; cvars that hold each other this way live until one of them stops.
+  // Starting and stopping are thread-safe.
 
   /// Makes the connection with another cvar, or changes the one there is.
   ///
   /// First one of the two copies from the other. A failed copy does not keep them from being
-  /// connected. REPLICATIONCONNECTION_UNCHANGED leaves a way of an existing connection as it is, and
-  /// counts as REPLICATIONCONNECTION_NONE for a new one.
+  /// connected. REPLICATIONCONNECTION_UNCHANGED leaves a way of an existing connection as it is,
+  /// and counts as REPLICATIONCONNECTION_NONE for a new one.
   /// @param thisListens   how this cvar follows the other
   /// @param otherListens  how the other follows this one
   /// @param direction     who copies at once: this cvar from the other, or the other from this one
@@ -172,12 +188,11 @@ class CVARS_API CvarCore : public CvarBaseCpp {
   /// @return the last failure, else the last success code that is not S_OK, else S_OK
   HRESULT NotifyClients(NOTIFYCLIENTS which, bool evenIfSuspended) {
     if (!evenIfSuspended && m_suspensions.load(std::memory_order_relaxed) != 0) return 0;
-    if (m_pending.Empty()) return 0;
     if (m_listeners.Empty()) {
       m_pending.Clear();
       return 0;
     }
-    return SendPending(which);
+    return m_pending.Empty() ? 0 : SendPending(which);
   }
 
   /// Forgets every kind of change that waits to be sent.
@@ -248,8 +263,8 @@ class CVARS_API CvarCore : public CvarBaseCpp {
                            CVARREPLICATIONCONNECTIONATTRIBUTES thisListens,
                            CVARREPLICATIONCONNECTIONATTRIBUTES otherListens,
                            CVARREPLICATIONINITIALCOPYDIRECTION direction, NOTIFYTYPE what);
-  HRESULT StartReplication(IVorCvar* other, CvarCore* otherCore, bool copyFromOther,
-                           int directions, NOTIFYTYPE what);
+  HRESULT StartReplication(IVorCvar* other, CvarCore* otherCore, bool copyFromOther, int directions,
+                           NOTIFYTYPE what);
 
   /// The replica's reaction to a change of its source: copies what the replication flags ask for.
   HRESULT CoreReactToSource(IVorCvar* source, NOTIFYTYPE what);
@@ -259,7 +274,15 @@ class CVARS_API CvarCore : public CvarBaseCpp {
   mutable platform::RecursiveLock m_lock;
 
  private:
+  // Set in the count of references while the cvar goes: references taken and given back by then no
+  // longer bring it to zero.
+  static constexpr std::uint32_t kGoing = 0x80000000u;
+
+  class Notification;
+
   HRESULT SendPending(NOTIFYCLIENTS which);
+  ULONG ReleaseHold();
+  void Go();
   void ReportRecursion();
   HRESULT ReportReplicaFailure(HRESULT result, int line);
   bool ChangeFlags(std::uint32_t word);

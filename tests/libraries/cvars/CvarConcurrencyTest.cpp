@@ -211,6 +211,42 @@ TEST_F(CvarConcurrency, AnyThreadMayGiveTheLastReferenceBack) {
   EXPECT_EQ(listener->References(), 1u);
 }
 
+TEST_F(CvarConcurrency, TheLastReferenceMayGoWhileAListenerIsCalled) {
+  struct Doorbell final : IVorCvarEventSink {
+    HRESULT QueryInterface(REFIID iid, void** object) override {
+      if (iid != IID_IUnknown && iid != IID_IVorCvarEventSink) return E_NOINTERFACE;
+      *object = static_cast<IVorCvarEventSink*>(this);
+      AddRef();
+      return S_OK;
+    }
+    ULONG AddRef() override { return ++references; }
+    ULONG Release() override { return --references; }
+    HRESULT OnCvarNotify(IVorCvar* source, NOTIFYTYPE) override {
+      called.store(true);
+      called.notify_one();
+      // References that come and go inside the call leave the cvar alone.
+      EXPECT_GE(source->AddRef(), 2u);
+      EXPECT_GE(source->Release(), 1u);
+      return S_OK;
+    }
+    std::atomic<ULONG> references{1};
+    std::atomic<bool> called{false};
+  };
+  for (int i = 0; i < kRounds; ++i) {
+    Doorbell listener;
+    Sample cvar = CvarObject<SampleCvar>::Create();
+    ASSERT_EQ(cvar->AttachCvarEventSink(&listener), S_OK);
+    SampleCvar* const borrowed = cvar;
+    std::jthread owner([&] {
+      listener.called.wait(false);
+      cvar = nullptr;
+    });
+    ASSERT_EQ(borrowed->ForceNotification(NOTIFY_VALUE), S_OK);
+    owner.join();
+    ASSERT_EQ(listener.references.load(), 1u);
+  }
+}
+
 TEST_F(CvarConcurrency, FourThreadsSetFourCvarsWithOneListener) {
   const Listener listener = CountingListener::Create();
   std::vector<CComPtr<CvarObject<CCvarDouble>>> cvars(4);
@@ -269,6 +305,7 @@ TEST_F(CvarConcurrency, ABagIsFilledAndSearchedByManyThreads) {
 
 TEST_F(CvarConcurrency, SnapshotsStayWholeWhileTheListIsReplaced) {
   cvars::CvarListeners listeners;
+  listeners.Hold();
   cvars::platform::RecursiveLock lock;
   std::vector<Listener> all(6);
   for (Listener& listener : all) listener = CountingListener::Create();
@@ -277,11 +314,12 @@ TEST_F(CvarConcurrency, SnapshotsStayWholeWhileTheListIsReplaced) {
   for (int thread = 0; thread < 3; ++thread) {
     work.emplace_back([&listeners] {
       for (int i = 0; i < kRounds; ++i) {
-        const cvars::CvarListeners::Snapshot snapshot(listeners);
-        ASSERT_GE(snapshot.Depth(), 1u);
-        ASSERT_LE(snapshot.Depth(), 3u);
+        cvars::CvarListeners::Snapshot snapshot(listeners);
+        ASSERT_GE(snapshot.Holders(), 2u);
+        ASSERT_LE(snapshot.Holders(), 4u);
         for (IVorCvarEventSink* const sink : snapshot)
           (void)sink->OnCvarNotify(nullptr, NOTIFY_VALUE);
+        ASSERT_FALSE(snapshot.GiveBack());
       }
     });
   }
@@ -300,9 +338,11 @@ TEST_F(CvarConcurrency, SnapshotsStayWholeWhileTheListIsReplaced) {
   EXPECT_EQ(all[0]->calls.load(), 3 * kRounds);
   EXPECT_EQ(all[0]->References(), 2u);
   for (std::size_t i = 1; i < all.size(); ++i) EXPECT_EQ(all[i]->References(), 1u);
-  const cvars::CvarListeners::Snapshot last(listeners);
-  EXPECT_EQ(last.Depth(), 1u);
+  cvars::CvarListeners::Snapshot last(listeners);
+  EXPECT_EQ(last.Holders(), 2u);
   EXPECT_EQ(last.end() - last.begin(), 1);
+  EXPECT_EQ(listeners.LetGo(), 1u);
+  EXPECT_TRUE(last.GiveBack());
 }
 
 }  // namespace
