@@ -1,16 +1,16 @@
 // cvar-log: prints the instrument's event log.
 
-#include <fcntl.h>
-#include <poll.h>
 #include <sys/inotify.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
+#include <cerrno>
 #include <charconv>
 #include <cstdio>
 #include <cstdlib>
-#include <cstring>
-#include <fstream>
+#include <filesystem>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -114,23 +114,47 @@ void PrintLine(const std::string& line, const Options& options) {
   }
 }
 
-// Prints the lines of a file that is being written, as far as they are whole.
-class FollowedFile {
+// Prints the lines of a file, which may still be written.
+class ReadFile {
  public:
-  explicit FollowedFile(const std::filesystem::path& path)
-      : m_descriptor(open(path.c_str(), O_RDONLY | O_CLOEXEC)) {}
-  ~FollowedFile() {
-    if (m_descriptor >= 0) close(m_descriptor);
+  // @param descriptor  closed at the end.
+  explicit ReadFile(int descriptor) : m_descriptor(descriptor) {
+    (void)fstat(descriptor, &m_status);  // of an open file it does not fail
   }
-  FollowedFile(const FollowedFile&) = delete;
-  FollowedFile& operator=(const FollowedFile&) = delete;
+  ~ReadFile() { close(m_descriptor); }
+  ReadFile(const ReadFile&) = delete;
+  ReadFile& operator=(const ReadFile&) = delete;
 
+  // Prints what came since the last time, as far as the lines are whole.
   void PrintNew(const Options& options) {
     char block[16 * 1024];
     ssize_t count = 0;
-    while (m_descriptor >= 0 && (count = read(m_descriptor, block, sizeof(block))) > 0) {
+    while ((count = read(m_descriptor, block, sizeof(block))) > 0) {
       m_pending.append(block, static_cast<std::size_t>(count));
+      PrintPending(options);
     }
+    std::fflush(stdout);
+  }
+
+  // Prints the rest of a file that is not written any more.
+  void PrintToEnd(const Options& options) {
+    PrintNew(options);
+    PrintLine(m_pending, options);
+    m_pending.clear();
+  }
+
+  bool IsSame(const ReadFile& other) const { return IsSame(other.m_status); }
+  bool IsAt(const std::filesystem::path& path) const {
+    struct stat status = {};
+    return stat(path.c_str(), &status) == 0 && IsSame(status);
+  }
+
+ private:
+  bool IsSame(const struct stat& status) const {
+    return m_status.st_ino == status.st_ino && m_status.st_dev == status.st_dev;
+  }
+
+  void PrintPending(const Options& options) {
     std::size_t start = 0;
     for (std::size_t end = m_pending.find('\n'); end != std::string::npos;
          end = m_pending.find('\n', start)) {
@@ -138,42 +162,61 @@ class FollowedFile {
       start = end + 1;
     }
     m_pending.erase(0, start);
-    std::fflush(stdout);
   }
 
-  bool IsStill(const std::filesystem::path& path) const {
-    struct stat mine = {};
-    struct stat named = {};
-    return m_descriptor >= 0 && fstat(m_descriptor, &mine) == 0 &&
-           stat(path.c_str(), &named) == 0 && mine.st_ino == named.st_ino &&
-           mine.st_dev == named.st_dev;
-  }
-
- private:
   int m_descriptor;
+  struct stat m_status = {};
   std::string m_pending;
 };
+
+// The oldest first.
+using ReadFiles = std::vector<std::unique_ptr<ReadFile>>;
+
+ReadFiles OpenFiles(const LogFile& log) {
+  ReadFiles files;
+  for (const int descriptor : log.OpenForReading()) {
+    files.push_back(std::make_unique<ReadFile>(descriptor));
+  }
+  return files;
+}
+
+// Drops a file and all that are older; when it is not among them, all are newer.
+void KeepNewer(ReadFiles& files, const ReadFile& than) {
+  const auto found = std::find_if(files.begin(), files.end(),
+                                  [&than](const auto& file) { return file->IsSame(than); });
+  if (found != files.end()) files.erase(files.begin(), found + 1);
+}
+
+// Prints what is new. The last file stays open: it may grow, and nothing else gets its number.
+void PrintNewest(const LogFile& log, std::unique_ptr<ReadFile>& last, const Options& options) {
+  if (last != nullptr && last->IsAt(log.File(0))) return last->PrintNew(options);
+  ReadFiles newer = OpenFiles(log);
+  if (last != nullptr) KeepNewer(newer, *last);
+  if (newer.empty()) {
+    if (last != nullptr) last->PrintNew(options);
+    return;
+  }
+  // The files moved up, so all but the newest are complete.
+  if (last != nullptr) last->PrintToEnd(options);
+  last = std::move(newer.back());
+  newer.pop_back();
+  for (const auto& file : newer) file->PrintToEnd(options);
+  last->PrintNew(options);
+}
 
 int Follow(const LogFile& log, const Options& options) {
   std::error_code ignored;  // shows when the folder is watched
   std::filesystem::create_directories(log.Folder(), ignored);
+  // Watched before the first look, so that whatever happens after a look ends the wait behind it.
   const int watch = inotify_init1(IN_CLOEXEC);
   if (watch < 0 ||
       inotify_add_watch(watch, log.Folder().c_str(), IN_MODIFY | IN_CREATE | IN_MOVED_TO) < 0) {
     std::perror("cvar-log: the log cannot be followed");
     return 1;
   }
-  auto file = std::make_unique<FollowedFile>(log.File(0));
+  std::unique_ptr<ReadFile> last;
   while (true) {
-    file->PrintNew(options);
-    if (!file->IsStill(log.File(0))) {
-      file->PrintNew(options);  // what came before the files moved up
-      auto next = std::make_unique<FollowedFile>(log.File(0));
-      if (next->IsStill(log.File(0))) {
-        file = std::move(next);
-        continue;
-      }
-    }
+    PrintNewest(log, last, options);
     char events[4096];
     if (read(watch, events, sizeof(events)) < 0 && errno != EINTR) return 1;
   }
@@ -181,12 +224,9 @@ int Follow(const LogFile& log, const Options& options) {
 
 int PrintFiles(const Options& options) {
   const LogFile log = HomeLogFile();
-  for (const std::filesystem::path& path : log.Files()) {
-    if (options.follow && path == log.File(0)) continue;
-    std::ifstream file(path, std::ios::binary);
-    for (std::string line; std::getline(file, line);) PrintLine(line, options);
-  }
-  return options.follow ? Follow(log, options) : 0;
+  if (options.follow) return Follow(log, options);
+  for (const auto& file : OpenFiles(log)) file->PrintToEnd(options);
+  return 0;
 }
 
 // The journal has a reader of its own.

@@ -14,10 +14,12 @@
 namespace cvars::components {
 namespace {
 
+constexpr int kAppending = O_RDWR | O_CREAT | O_APPEND;
+
 class Descriptor {
  public:
   Descriptor(const std::filesystem::path& file, int flags)
-      : m_value(open(file.c_str(), flags | O_RDWR | O_CREAT | O_CLOEXEC, 0644)) {}
+      : m_value(open(file.c_str(), flags | O_CLOEXEC, 0644)) {}
   ~Descriptor() {
     if (m_value >= 0) close(m_value);
   }
@@ -35,10 +37,10 @@ class Descriptor {
   int m_value;
 };
 
-bool LockExclusive(int descriptor) {
+bool Lock(int descriptor, int operation) {
   int result = 0;
   do {
-    result = flock(descriptor, LOCK_EX);
+    result = flock(descriptor, operation);
   } while (result != 0 && errno == EINTR);
   return result == 0;
 }
@@ -65,10 +67,10 @@ bool LogFile::Append(std::string line) const {
   line += '\n';
   std::error_code ignored;  // shows when the files are opened
   std::filesystem::create_directories(m_folder, ignored);
-  const Descriptor lock(m_folder / ".lock", 0);
-  if (!lock || !LockExclusive(lock.Value())) return false;
+  const Descriptor lock(LockFile(), O_RDWR | O_CREAT);
+  if (!lock || !Lock(lock.Value(), LOCK_EX)) return false;
   {
-    const Descriptor current(File(0), O_APPEND);
+    const Descriptor current(File(0), kAppending);
     if (!current) return false;
     const off_t size = current.Size();
     if (size == 0 || static_cast<std::uintmax_t>(size) + line.size() <= kLargestFileBytes) {
@@ -80,7 +82,7 @@ bool LogFile::Append(std::string line) const {
     }
   }
   MoveUp();
-  const Descriptor fresh(File(0), O_APPEND);
+  const Descriptor fresh(File(0), kAppending);
   const ssize_t written = fresh ? write(fresh.Value(), line.data(), line.size()) : -1;
   if (written > 0 && written < static_cast<ssize_t>(line.size())) {
     (void)!ftruncate(fresh.Value(), 0);
@@ -92,6 +94,18 @@ std::vector<std::filesystem::path> LogFile::Files() const {
   std::vector<std::filesystem::path> files;
   for (int age = kOldFileCount; age >= 0; --age) {
     if (std::filesystem::exists(File(age))) files.push_back(File(age));
+  }
+  return files;
+}
+
+std::vector<int> LogFile::OpenForReading() const {
+  // Who may not lock, or comes before the first entry, reads all the same.
+  const Descriptor lock(LockFile(), O_RDONLY);
+  if (lock) (void)Lock(lock.Value(), LOCK_SH);
+  std::vector<int> files;
+  for (const std::filesystem::path& path : Files()) {
+    const int file = open(path.c_str(), O_RDONLY | O_CLOEXEC);
+    if (file >= 0) files.push_back(file);
   }
   return files;
 }

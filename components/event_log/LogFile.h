@@ -26,12 +26,17 @@ class LogFile {
   /// Gives the files that exist, the oldest entries first.
   std::vector<std::filesystem::path> Files() const;
 
+  /// Opens the files that exist for reading, the oldest entries first. No file moves meanwhile.
+  /// @return descriptors; the caller closes them.
+  std::vector<int> OpenForReading() const;
+
   /// Gives a file by its age: 0 is the one that is written.
   std::filesystem::path File(int age) const;
 
   const std::filesystem::path& Folder() const { return m_folder; }
 
  private:
+  std::filesystem::path LockFile() const { return m_folder / ".lock"; }
   void MoveUp() const;
 
   std::filesystem::path m_folder;

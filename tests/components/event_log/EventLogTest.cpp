@@ -1,7 +1,9 @@
 #include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <poll.h>
 #include <signal.h>
+#include <sys/ioctl.h>
 #include <sys/socket.h>
 #include <sys/un.h>
 #include <sys/wait.h>
@@ -418,35 +420,119 @@ TEST_F(CvarLog, TellsItsUsageWhenNotUnderstood) {
   }
 }
 
+// "cvar-log --follow" as a child process. Its output waits in a pipe of one page.
+class FollowingReader {
+ public:
+  FollowingReader() {
+    int output[2];
+    EXPECT_EQ(pipe2(output, O_CLOEXEC), 0);
+    EXPECT_EQ(fcntl(output[0], F_SETPIPE_SZ, kPipeBytes), kPipeBytes);
+    m_output = output[0];
+    m_process = fork();
+    if (m_process == 0) {
+      dup2(output[1], STDOUT_FILENO);
+      execl(CVARS_BINARY_DIR "/bin/cvar-log", "cvar-log", "--follow", static_cast<char*>(nullptr));
+      _exit(127);
+    }
+    close(output[1]);
+  }
+  ~FollowingReader() {
+    kill(m_process, SIGKILL);
+    waitpid(m_process, nullptr, 0);
+    close(m_output);
+  }
+  FollowingReader(const FollowingReader&) = delete;
+  FollowingReader& operator=(const FollowingReader&) = delete;
+
+  // The next line; what came of it when nothing more comes in time.
+  std::string ReadLine() {
+    std::size_t end = m_unread.find('\n');
+    pollfd readable = {m_output, POLLIN, 0};
+    while (end == std::string::npos && poll(&readable, 1, kDeadlineMs) == 1) {
+      char block[kPipeBytes];
+      const ssize_t count = read(m_output, block, sizeof(block));
+      if (count <= 0) break;
+      const std::size_t before = m_unread.size();
+      m_unread.append(block, static_cast<std::size_t>(count));
+      end = m_unread.find('\n', before);
+    }
+    const std::size_t length = end == std::string::npos ? m_unread.size() : end + 1;
+    const std::string line = m_unread.substr(0, length);
+    m_unread.erase(0, length);
+    return line;
+  }
+
+  // @return whether the program waits for its output to be taken.
+  bool WaitUntilFull() const {
+    const auto deadline = std::chrono::steady_clock::now() + std::chrono::milliseconds(kDeadlineMs);
+    for (int waiting = 0; waiting < kPipeBytes; std::this_thread::yield()) {
+      if (ioctl(m_output, FIONREAD, &waiting) != 0) return false;
+      if (std::chrono::steady_clock::now() > deadline) return false;
+    }
+    return true;
+  }
+
+ private:
+  static constexpr int kPipeBytes = 4096;
+  static constexpr int kDeadlineMs = 20'000;
+  pid_t m_process = -1;
+  int m_output = -1;
+  std::string m_unread;
+};
+
 TEST_F(CvarLog, FollowsNewEntriesThroughAChangeOfFiles) {
   WriteLines({kOld});
-  int output[2];
-  ASSERT_EQ(pipe(output), 0);
-  const pid_t reader = fork();
-  if (reader == 0) {
-    dup2(output[1], STDOUT_FILENO);
-    execl(CVARS_BINARY_DIR "/bin/cvar-log", "cvar-log", "--follow", static_cast<char*>(nullptr));
-    _exit(127);
-  }
-  close(output[1]);
-  const auto readLine = [&output] {
-    std::string line;
-    char character = 0;
-    while (read(output[0], &character, 1) == 1) {
-      line += character;
-      if (character == '\n') break;
-    }
-    return line;
-  };
-  EXPECT_EQ(readLine(), kOldText);
+  FollowingReader reader;
+  EXPECT_EQ(reader.ReadLine(), kOldText);
   WriteLines({kWarning});
-  EXPECT_EQ(readLine(), kWarningText);
+  EXPECT_EQ(reader.ReadLine(), kWarningText);
   fs::rename(HomeLogFile().File(0), HomeLogFile().File(1));
   WriteLines({kError});
-  EXPECT_EQ(readLine(), kErrorText);
-  kill(reader, SIGKILL);
-  waitpid(reader, nullptr, 0);
-  close(output[0]);
+  EXPECT_EQ(reader.ReadLine(), kErrorText);
+}
+
+TEST_F(CvarLog, FollowsALogThatDoesNotExistYet) {
+  FollowingReader reader;
+  const CComPtr<IVorEventLog> log = OpenLog(L"CvarDev");
+  ASSERT_EQ(log->LogEvent(L"m", L"the first", 4, L"", CComVariant()), S_OK);
+  EXPECT_THAT(reader.ReadLine(), testing::EndsWith("Z information CvarDev the first\n"));
+}
+
+// Ten entries to a file, so that the files move up at every tenth.
+void LogLongEntries(int first, int end) {
+  const CComPtr<IVorEventLog> log = OpenLog(L"CvarDev");
+  const std::wstring filling(100'000, L'x');
+  for (int number = first; number < end; ++number) {
+    ASSERT_EQ(log->LogEvent(L"m", (std::to_wstring(number) + L" " + filling).c_str(), 4, L"",
+                            CComVariant()),
+              S_OK);
+  }
+}
+
+void ExpectLongEntries(FollowingReader& reader, int first, int end) {
+  for (int number = first; number < end; ++number) {
+    const std::string line = reader.ReadLine();
+    ASSERT_THAT(line.substr(0, 60), HasSubstr("CvarDev " + std::to_string(number) + " x"));
+    EXPECT_THAT(line, testing::EndsWith("x\n"));
+  }
+}
+
+TEST_F(CvarLog, NoEntryIsMissedWhenFilesMoveUpWhileOlderOnesArePrinted) {
+  LogLongEntries(0, 25);
+  FollowingReader reader;
+  ASSERT_TRUE(reader.WaitUntilFull());  // it is inside its first, oldest file
+  LogLongEntries(25, 55);
+  ExpectLongEntries(reader, 0, 55);
+}
+
+TEST_F(CvarLog, NoEntryIsMissedWhenSeveralFilesComeBetweenTwoLooks) {
+  WriteLines({kOld});
+  FollowingReader reader;
+  EXPECT_EQ(reader.ReadLine(), kOldText);
+  LogLongEntries(0, 5);
+  ASSERT_TRUE(reader.WaitUntilFull());
+  LogLongEntries(5, 45);
+  ExpectLongEntries(reader, 0, 45);
 }
 
 }  // namespace
