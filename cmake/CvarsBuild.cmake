@@ -46,7 +46,7 @@ if(CMAKE_CXX_COMPILER_ID MATCHES "Clang")
   # Off: a member of the template base overrides an operation of some interfaces and stands beside the
   # one of others, so it can neither say "override" nor avoid the name.
   target_compile_options(cvars_warnings INTERFACE
-    -Wthread-safety -Wno-inconsistent-missing-override -Wno-overloaded-virtual)
+    -Wthread-safety)
 elseif(CVARS_SANITIZE)
   # Off: with the sanitizers' code in between, g++ takes members of the standard library for unset.
   target_compile_options(cvars_warnings INTERFACE -Wno-maybe-uninitialized)

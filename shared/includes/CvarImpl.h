@@ -42,6 +42,50 @@ bool SameValue(const ValueType& a, const ValueType& b) {
 /// Arrays are the same when their dimensions, extents and elements are; lower bounds do not count.
 CVARS_API bool SameValue(const CComSafeArray<VARIANT>& a, const CComSafeArray<VARIANT>& b);
 
+/// Getters of the three values by pointer, for an interface that has none.
+///
+/// They stand apart from the rest of the template base because none of them can say whether it
+/// overrides an operation of the interface: that depends on the interface.
+///
+/// @tparam Impl  the template base on top; it copies the values out.
+template <class Impl, class Interface, class ValueType>
+class CVARS_API ValueGetters : public Interface {
+ public:
+  HRESULT GetAdaptedValue(ValueType* value) { return Values().CopyAdapted(value); }
+  HRESULT GetDefaultValue(ValueType* value) { return Values().CopyDefault(value); }
+  HRESULT GetRequestedValue(ValueType* value) { return Values().CopyRequested(value); }
+
+ protected:
+  ~ValueGetters() = default;
+
+ private:
+  const Impl& Values() const { return static_cast<const Impl&>(*this); }
+};
+
+/// The same for an interface with getters of its own: those for the same type are given here, those
+/// for another (a BSTR where the cvar holds a CComBSTR) stay beside them.
+template <class Impl, class Interface, class ValueType>
+requires requires {
+  &Interface::GetAdaptedValue;
+  &Interface::GetDefaultValue;
+  &Interface::GetRequestedValue;
+}
+class CVARS_API ValueGetters<Impl, Interface, ValueType> : public Interface {
+ public:
+  using Interface::GetAdaptedValue;
+  using Interface::GetDefaultValue;
+  using Interface::GetRequestedValue;
+  HRESULT GetAdaptedValue(ValueType* value) { return Values().CopyAdapted(value); }
+  HRESULT GetDefaultValue(ValueType* value) { return Values().CopyDefault(value); }
+  HRESULT GetRequestedValue(ValueType* value) { return Values().CopyRequested(value); }
+
+ protected:
+  ~ValueGetters() = default;
+
+ private:
+  const Impl& Values() const { return static_cast<const Impl&>(*this); }
+};
+
 }  // namespace cvars
 
 /// The template base of every cvar class.
@@ -57,7 +101,12 @@ CVARS_API bool SameValue(const CComSafeArray<VARIANT>& a, const CComSafeArray<VA
 /// The object itself, with its reference count and the ways to its interfaces, is completed by the
 /// client kit's CvarObject.
 template <class T, class Interface, class ValueType>
-class CVARS_API IVorCvarImpl : public Interface, public cvars::CvarCore, public IVorCvarEventSink {
+class CVARS_API IVorCvarImpl
+    : public cvars::ValueGetters<IVorCvarImpl<T, Interface, ValueType>, Interface, ValueType>,
+      public cvars::CvarCore,
+      public IVorCvarEventSink {
+  using Getters = cvars::ValueGetters<IVorCvarImpl, Interface, ValueType>;
+
  public:
   using Interface_t = Interface;
   using Value_t = ValueType;
@@ -186,13 +235,17 @@ class CVARS_API IVorCvarImpl : public Interface, public cvars::CvarCore, public 
   // Native side
   // -------------------------------------------------------------------------------------
 
+  using Getters::GetAdaptedValue;
   /// The adapted value.
   virtual ValueType GetAdaptedValue() { return ReadField(m_adapted); }
   operator ValueType() { return GetAdaptedValue(); }  // NOLINT: a cvar reads as its value
 
-  HRESULT GetAdaptedValue(ValueType* value) { return CopyField(m_adapted, value); }
-  HRESULT GetDefaultValue(ValueType* value) { return CopyField(m_default, value); }
-  HRESULT GetRequestedValue(ValueType* value) { return CopyField(m_requested, value); }
+  /// The three values as they are kept, for the getters.
+  HRESULT CopyAdapted(ValueType* value) const { return CopyField(m_adapted, value); }
+  HRESULT CopyDefault(ValueType* value) const { return CopyField(m_default, value); }
+  HRESULT CopyRequested(ValueType* value) const { return CopyField(m_requested, value); }
+
+  using Getters::GetRequestedValue;
   /// @param[out] value  cleared, then the requested value; caller frees.
   HRESULT GetRequestedValue(VARIANT* value) {
     if (value == nullptr) return E_POINTER;
