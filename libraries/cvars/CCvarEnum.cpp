@@ -63,12 +63,13 @@ EnumTable::Entry CCvarEnum::MakeEntry(std::wstring_view text) const {
 /// Changes the list and adapts the value under one lock, so that no reader sees the value of the
 /// old list in the new one; then tells the listeners.
 ///
-/// @param change  called as HRESULT() under the lock; anything but S_OK says that nothing changed.
+/// @param change  called as HRESULT(EnumTable&) under the lock; anything but S_OK says that nothing
+///                changed.
 template <class Change>
 HRESULT CCvarEnum::ChangeTable(Change change) {
   {
     const ScopedLock guard(m_lock);
-    const HRESULT changed = change();
+    const HRESULT changed = change(m_table);
     if (changed != S_OK) return changed;
     AddPending(NOTIFY_RANGE);
     Adapt();
@@ -86,11 +87,11 @@ HRESULT CCvarEnum::AddValue(const wchar_t* text, int iconId, int index) {
   const std::vector<std::wstring_view> pieces =
       cvars::SplitText(TextOrEmpty(text), kEntrySeparator);
   const int place = pieces.size() > 1 ? EnumTable::kNone : index;
-  return ChangeTable([&] {
+  return ChangeTable([&](EnumTable& table) {
     bool added = false;
     for (const std::wstring_view piece : pieces) {
       EnumTable::Entry entry = MakeEntry(piece);
-      if (m_table.HasSameAnyCase(entry->Strings())) continue;
+      if (table.HasSameAnyCase(entry->Strings())) continue;
       entry->m_iconId = static_cast<unsigned int>(iconId);
       entry->m_iconModule = module;
       added = AddValueIfValid(entry.release(), place) || added;
@@ -100,8 +101,8 @@ HRESULT CCvarEnum::AddValue(const wchar_t* text, int iconId, int index) {
 }
 
 HRESULT CCvarEnum::AddEntry(EnumTable::Entry entry, int index) {
-  return ChangeTable([&] {
-    if (m_table.HasSameAnyCase(entry->Strings())) return E_INVALIDARG;
+  return ChangeTable([&](EnumTable& table) {
+    if (table.HasSameAnyCase(entry->Strings())) return E_INVALIDARG;
     return AddValueIfValid(entry.release(), index) ? S_OK : E_INVALIDARG;
   });
 }
@@ -142,9 +143,9 @@ HRESULT CCvarEnum::AddPage(const wchar_t* name, const wchar_t* page, CComVariant
   entry->m_variants[CCvarEnumValue::kSpareSlot] = CComVariant(static_cast<unsigned int>(type));
   entry->m_variants[CCvarEnumValue::kChildPageSlot] = CComVariant(page);
   entry->m_object = object;
-  return ChangeTable([&] {
-    const int index = m_table.Find(TextOrEmpty(name));
-    if (index != EnumTable::kNone) return SetEnabled(index, true);
+  return ChangeTable([&](EnumTable& table) {
+    const int index = table.Find(TextOrEmpty(name));
+    if (index != EnumTable::kNone) return SetEnabled(table, index, true);
     return AddValueIfValid(entry.release(), EnumTable::kNone) ? S_OK : E_INVALIDARG;
   });
 }
@@ -159,11 +160,11 @@ HRESULT CCvarEnum::GetPageType(int index, DLGPAGETYPE* type) {
 }
 
 int CCvarEnum::DeleteValue(const wchar_t* text) {
-  EnumTable::Entry removed;  // goes after the lock: its objects may be anybody's
-  (void)ChangeTable([&] {    // how many went is the answer
-    const int index = m_table.Find(TextOrEmpty(text));
+  EnumTable::Entry removed;                  // goes after the lock: its objects may be anybody's
+  (void)ChangeTable([&](EnumTable& table) {  // how many went is the answer
+    const int index = table.Find(TextOrEmpty(text));
     if (index == EnumTable::kNone) return S_FALSE;
-    removed = m_table.Remove(index);
+    removed = table.Remove(index);
     return S_OK;
   });
   return removed == nullptr ? 0 : 1;
@@ -177,8 +178,8 @@ void CCvarEnum::DeleteAllValuesNoNotify() {
 
 HRESULT CCvarEnum::DeleteAllValues() {
   EnumTable removed;  // goes after the lock
-  return ChangeTable([&] {
-    m_table.Swap(removed);
+  return ChangeTable([&](EnumTable& table) {
+    table.Swap(removed);
     return S_OK;
   });
 }
@@ -231,9 +232,9 @@ const CComBSTR& CCvarEnum::SpellingOf(const CCvarEnumValue& entry, Spelling spel
 
 bool CCvarEnum::ChangeSpelling(const CComVariant& which, Spelling spelling, const CComBSTR& text) {
   bool differed = false;
-  (void)ChangeTable([&] {  // whether it differed is the answer
+  (void)ChangeTable([&](EnumTable& table) {  // whether it differed is the answer
     const int index = GetIndexOfVariant(which);
-    differed = m_table.IsValid(index) && m_table.SetSpelling(index, spelling, text.View());
+    differed = table.IsValid(index) && table.SetSpelling(index, spelling, text.View());
     return differed ? S_OK : S_FALSE;
   });
   return differed;
@@ -440,20 +441,20 @@ HRESULT CCvarEnum::FillCvarPropertiesMap(cvars::PropertiesMap& map) {
 
 // What belongs to an entry
 
-// Runs under the lock.
-HRESULT CCvarEnum::SetEnabled(int index, bool enabled) {
-  if (!m_table.IsValid(index)) return E_INVALIDARG;
-  if (m_table.IsEnabled(index) == enabled) return S_FALSE;
-  m_table.At(index).m_enabled = enabled ? 1 : 0;
+HRESULT CCvarEnum::SetEnabled(EnumTable& table, int index, bool enabled) {
+  if (!table.IsValid(index)) return E_INVALIDARG;
+  if (table.IsEnabled(index) == enabled) return S_FALSE;
+  table.At(index).m_enabled = enabled ? 1 : 0;
   return S_OK;
 }
 
 HRESULT CCvarEnum::Enable(int index, int enable) {
-  return ChangeTable([&] { return SetEnabled(index, enable != 0); });
+  return ChangeTable([&](EnumTable& table) { return SetEnabled(table, index, enable != 0); });
 }
 
 HRESULT CCvarEnum::Enable(VARIANT entry, int enable) {
-  return ChangeTable([&] { return SetEnabled(GetIndexOfVariant(entry), enable != 0); });
+  return ChangeTable(
+      [&](EnumTable& table) { return SetEnabled(table, GetIndexOfVariant(entry), enable != 0); });
 }
 
 HRESULT CCvarEnum::IsEnabled(int index, int* enabled) {
@@ -469,9 +470,9 @@ HRESULT CCvarEnum::IsEnabled(int index, int* enabled) {
 ///                  and says whether they differ. It must keep the old, which goes after the lock.
 template <class Exchange>
 HRESULT CCvarEnum::ChangeEntry(int index, Exchange exchange) {
-  return ChangeTable([&] {
-    if (!m_table.IsValid(index)) return E_INVALIDARG;
-    return exchange(m_table.At(index)) ? S_OK : S_FALSE;
+  return ChangeTable([&](EnumTable& table) {
+    if (!table.IsValid(index)) return E_INVALIDARG;
+    return exchange(table.At(index)) ? S_OK : S_FALSE;
   });
 }
 

@@ -235,7 +235,7 @@ class CVARS_API CCvarEnum : public IVorCvarImpl<CCvarEnum, IVorCvarEnum, int> {
   HRESULT AddEntry(cvars::EnumTable::Entry entry, int index);
   template <class Change>
   HRESULT ChangeTable(Change change);
-  HRESULT SetEnabled(int index, bool enabled) CVARS_REQUIRES(m_lock);
+  static HRESULT SetEnabled(cvars::EnumTable& table, int index, bool enabled);
   void StoreRequest(int index) CVARS_REQUIRES(m_lock);
   void Adapt() CVARS_REQUIRES(m_lock);
   bool ChangeSpelling(const CComVariant& which, Spelling spelling, const CComBSTR& text);
