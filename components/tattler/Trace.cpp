@@ -1,8 +1,10 @@
 #include "Trace.h"
 
 #include <algorithm>
+#include <charconv>
 #include <cstdio>
 #include <ctime>
+#include <iterator>
 #include <optional>
 
 #include "IVorTattlerClient.h"
@@ -91,9 +93,11 @@ std::string Trace::ReportLine(const Message& report) {
                      NameOf(report.identifier) + " (" + std::to_string(report.firstValue) + ", " +
                      std::to_string(report.secondValue) + ')';
   if (durationUs) {
+    // Whatever the locale: programs read these lines.
     char duration[32];
-    std::snprintf(duration, sizeof(duration), " %.1f us", *durationUs);
-    text += duration;
+    const std::to_chars_result written =
+        std::to_chars(duration, std::end(duration), *durationUs, std::chars_format::fixed, 1);
+    text.append(" ").append(duration, written.ptr).append(" us");
   }
   return text;
 }
