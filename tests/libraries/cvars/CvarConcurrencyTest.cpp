@@ -328,8 +328,10 @@ TEST_F(CvarConcurrency, SnapshotsStayWholeWhileTheListIsReplaced) {
       for (int i = 0; i < kRounds; ++i) {
         ASSERT_EQ(listeners.Attach(all[first], lock), S_OK);
         ASSERT_EQ(listeners.Attach(all[first + 1], lock), S_OK);
-        ASSERT_EQ(listeners.Detach(all[first + i % 2], lock), S_OK);
-        ASSERT_EQ(listeners.Detach(all[first + 1 - i % 2], lock), S_OK);
+        const std::size_t sooner = i % 2 == 0 ? first : first + 1;
+        const std::size_t later = i % 2 == 0 ? first + 1 : first;
+        ASSERT_EQ(listeners.Detach(all[sooner], lock), S_OK);
+        ASSERT_EQ(listeners.Detach(all[later], lock), S_OK);
       }
     });
   }
