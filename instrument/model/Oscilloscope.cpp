@@ -15,6 +15,11 @@ Oscilloscope::Oscilloscope() {
     m_probes.emplace_back(*m_bags.back());
   }
   m_bags.push_back(MakeTriggerBag());
+  const std::span<const CComPtr<CCvarBag>> bags(m_bags);
+  m_acquisition.emplace(
+      Acquisition::Settings{*bags.front(), *bags.back(), bags.subspan(1, kChannelCount)},
+      [this] { Reset(); });
+  m_bags.push_back(m_acquisition->Bag());
   m_bags.push_back(MakeMaskBag());
   m_bags.push_back(MakeScreenBag());
   m_bags.push_back(MakeStorageBag());

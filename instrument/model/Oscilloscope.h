@@ -7,6 +7,7 @@
 
 #include "CComPtr.h"
 #include "CCvarBag.h"
+#include "instrument/model/Acquisition.h"
 #include "instrument/model/FineGrainSwitch.h"
 #include "instrument/model/ProbeScale.h"
 #include "instrument/model/WindowScale.h"
@@ -35,6 +36,7 @@ class Oscilloscope {
   std::optional<WindowScale> m_window;
   std::list<ProbeScale> m_probes;  // one a channel
   CComPtr<CCvarBag> m_display;     // one of the bags; it shows settings and has none
+  std::optional<Acquisition> m_acquisition;
 };
 
 }  // namespace cvars::model

@@ -1,3 +1,4 @@
+#include "Cvars.h"
 #include "instrument/model/Bags.h"
 #include "instrument/model/DoubleCvars.h"
 #include "instrument/model/EnumCvars.h"
@@ -17,12 +18,23 @@ constexpr EnumRow kEnums[] = {
     {L"Source", L"Channel 1|C1,Channel 2|C2,Channel 3|C3,Channel 4|C4,External|Ext|EXT,Line", 0},
 };
 
+// One bit a channel, channel 4 first: 1 above its level, 0 below, X either.
+void AddPattern(CCvarBag& bag) {
+  constexpr int kChannels = 4;
+  const auto pattern = CvarObject<CCvarBitPattern>::Create();
+  pattern->Initialize(L"Pattern", L"XXXX", kChannels, kChannels, BITPATTERN_FORMAT_BIN, L"01X",
+                      L'X', BITPATTERN_PAD_LEFT, BITPATTERN_SIZE_BIT_FIX, CVARFLAGS(0), nullptr, 0,
+                      REPLICATE_VALUE | REPLICATE_REQUESTED);
+  (void)bag.Add(pattern);  // a new cvar has no parent yet
+}
+
 }  // namespace
 
 CComPtr<CCvarBag> MakeTriggerBag() {
   CComPtr<CCvarBag> bag = CCvarBag::Create(L"Trigger", nullptr);
   AddDoubleCvars(*bag, kDoubles);
   AddEnumCvars(*bag, kEnums);
+  AddPattern(*bag);
   return bag;
 }
 
