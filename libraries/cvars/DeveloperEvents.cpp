@@ -1,6 +1,8 @@
 #include "DeveloperEvents.h"
 
 #include <atomic>
+#include <cwchar>
+#include <iterator>
 
 #include "CComBSTR.h"
 #include "CComPtr.h"
@@ -8,12 +10,15 @@
 #include "CvarBag.h"
 #include "CvarText.h"
 #include "DeveloperEventLog.h"
+#include "platform/ResultMessage.h"
 
 namespace cvars {
 namespace {
 
 std::atomic<DeveloperEventObserver> g_observer{nullptr};
 std::atomic<void*> g_observerContext{nullptr};
+
+constexpr wchar_t kSystemCategory[] = L"system";
 
 std::wstring NameOf(IVorCvar* cvar) {
   CComBSTR name;
@@ -80,6 +85,40 @@ std::wstring DeveloperEventMessage(std::wstring_view text, IUnknown* target) {
 
 std::wstring DeveloperEventDetail(int line, std::wstring_view text) {
   return std::to_wstring(line) + L"\n" + std::wstring(text);
+}
+
+std::wstring ResultText(HRESULT result) {
+  wchar_t code[16];
+  std::swprintf(code, std::size(code), L"hr=0x%08x: ", static_cast<unsigned int>(result));
+  std::wstring message(platform::ResultMessage(result));
+  constexpr std::wstring_view kLineBreak = L"\r\n";
+  const std::size_t lineBreak = message.find(kLineBreak);
+  if (lineBreak != std::wstring::npos) message.erase(lineBreak, kLineBreak.size());
+  return code + message;
+}
+
+DeveloperEvent WrapperFailure(HRESULT result, IVorCvar* cvar) {
+  DeveloperEvent event;
+  event.source = L"CVorCvarWrapper";
+  event.message = ResultText(result);
+  event.severity = 3;
+  event.category = kSystemCategory;
+  event.value = cvar != nullptr ? NameOf(cvar) : L"Null Cvar Ptr";
+  event.cvar = cvar;
+  return event;
+}
+
+DeveloperEvent EventAtLine(IVorCvar* cvar, std::wstring_view message, int line,
+                           std::wstring_view text) {
+  DeveloperEvent event;
+  event.source = DeveloperEventSource(cvar);
+  event.message = DeveloperEventMessage(message, nullptr);
+  event.severity = 4;
+  event.category = kSystemCategory;
+  event.detail = DeveloperEventDetail(line, text);
+  event.value = L"Null value";
+  event.cvar = cvar;
+  return event;
 }
 
 }  // namespace cvars

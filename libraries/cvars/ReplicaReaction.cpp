@@ -72,14 +72,7 @@ HRESULT CvarCore::CoreReactToSource(IVorCvar* source, NOTIFYTYPE what) {
 HRESULT CvarCore::ReportReplicaFailure(HRESULT result, int line) {
   wchar_t code[16];
   std::swprintf(code, std::size(code), L"%x", static_cast<unsigned int>(result));
-  DeveloperEvent event;
-  event.source = DeveloperEventSource(GetIVorCvar());
-  event.message = DeveloperEventMessage(code, nullptr);
-  event.severity = 4;
-  event.category = L"system";
-  event.detail = DeveloperEventDetail(line, L"shared/includes/CvarImpl");
-  event.cvar = GetIVorCvar();
-  ReportDeveloperEvent(event);
+  ReportDeveloperEvent(EventAtLine(GetIVorCvar(), code, line, L"shared/includes/CvarImpl"));
   return result;
 }
 

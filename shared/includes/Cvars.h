@@ -96,5 +96,6 @@
 
 // Client kit.
 #include "CCvarBag.h"
+#include "CVorCvarWrapper.h"
 #include "CvarObject.h"
 #include "FunctionListener.h"

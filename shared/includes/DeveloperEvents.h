@@ -10,12 +10,12 @@ namespace cvars {
 
 /// An unusual situation that interests developers.
 struct DeveloperEvent {
-  std::wstring source;    ///< "(CvarBag.Cvar) " and the names.
+  std::wstring source;    ///< "(CvarBag.Cvar) " and the names, or "CVorCvarWrapper".
   std::wstring message;   ///< With the target suffix when a listener is concerned.
   int severity = 0;       ///< 3 or 4.
   std::wstring category;  ///< "system".
   std::wstring detail;
-  std::wstring value;
+  std::wstring value;  ///< What the event is about in a report that needs no cvar, else empty.
   IVorCvar* cvar = nullptr;  ///< Borrowed; null when no cvar is concerned.
 };
 
@@ -40,6 +40,22 @@ CVARS_API std::wstring DeveloperEventMessage(std::wstring_view text, IUnknown* t
 
 /// Detail text that joins a line number and a text.
 CVARS_API std::wstring DeveloperEventDetail(int line, std::wstring_view text);
+
+/// Text of a failing result code: "hr=0x%08x: %s" of the code and the platform's message for it,
+/// which loses its first line break.
+CVARS_API std::wstring ResultText(HRESULT result);
+
+/// Event of a call through a cvar wrapper that failed: its message is the text of the code, its
+/// value the cvar's name or "Null Cvar Ptr".
+///
+/// @param cvar  borrowed; null when the wrapper holds none.
+CVARS_API DeveloperEvent WrapperFailure(HRESULT result, IVorCvar* cvar);
+
+/// Event that tells the line of a source text: its detail joins both, its value is "Null value".
+///
+/// @param cvar  borrowed; the cvar concerned.
+CVARS_API DeveloperEvent EventAtLine(IVorCvar* cvar, std::wstring_view message, int line,
+                                     std::wstring_view text);
 
 /// Name of a container, read as its property "Name".
 ///

@@ -7,8 +7,10 @@
 #include <filesystem>
 #include <functional>
 
+#include "BareCvar.h"
 #include "CCvarBag.h"
 #include "CCvarDouble.h"
+#include "CVorCvarWrapper.h"
 #include "CvarObject.h"
 #include "DeveloperEvents.h"
 #include "FakeEventLog.h"
@@ -232,6 +234,52 @@ TEST_F(DeveloperEventLog, ReportsOfTheCoreReachTheLog) {
               return fakeEventLog.entries[0].text == L"cvar: Gain (Recursive Notification)"
                          ? 0
                          : __LINE__;
+            }),
+            0);
+}
+
+TEST_F(DeveloperEventLog, AFailedCallThroughAWrapperReachesTheLog) {
+  SetSwitch(1);
+  EXPECT_EQ(RunInChild([] {
+              const auto gain = MakeGain();
+              CComPtr<CCvarBag> bag = CCvarBag::Create(L"Channel1", nullptr);
+              bag->Add(gain);
+              if (CVorCvarWrapper(gain).Call(&IVorCvar::get_Name, nullptr) != E_POINTER) {
+                return __LINE__;
+              }
+              if (fakeEventLog.entries.size() != 1) return __LINE__;
+              const auto& entry = fakeEventLog.entries[0];
+              const std::wstring message = L"hr=0x80004003: A pointer is null that must not be.";
+              if (entry.source != L"CvarDev") return __LINE__;
+              if (entry.message != message) return __LINE__;
+              if (entry.text != L"cvar: Channel1.Gain (" + message + L")") return __LINE__;
+              return entry.eventType == 2 ? 0 : __LINE__;
+            }),
+            0);
+}
+
+TEST_F(DeveloperEventLog, AnEmptyWrapperHasNoCvarToLog) {
+  SetSwitch(1);
+  EXPECT_EQ(RunInChild([] {
+              if (CVorCvarWrapper().Call(&IVorCvar::SetToDefault) != E_POINTER) return __LINE__;
+              return fakeEventLog.entries.empty() ? 0 : __LINE__;
+            }),
+            0);
+}
+
+TEST_F(DeveloperEventLog, AFailedReplicaReachesTheLog) {
+  SetSwitch(2);
+  EXPECT_EQ(RunInChild([] {
+              const auto gain = MakeGain();
+              CComPtr<cvars::test::BareCvar> silent;  // answers E_NOTIMPL to everything
+              silent.Attach(new cvars::test::BareCvar);
+              gain->SetReplicationFlags(REPLICATE_NAME);
+              if (gain->OnCvarNotify(silent, NOTIFY_ATTRIBUTES) != E_NOTIMPL) return __LINE__;
+              if (fakeEventLog.entries.size() != 1) return __LINE__;
+              const auto& entry = fakeEventLog.entries[0];
+              if (entry.message != L"80004001") return __LINE__;
+              if (entry.text != L"cvar: Gain (80004001)") return __LINE__;
+              return entry.eventType == 4 ? 0 : __LINE__;
             }),
             0);
 }

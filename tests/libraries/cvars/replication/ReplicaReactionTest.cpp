@@ -225,6 +225,7 @@ TEST_F(ReplicaReactionTest, AFailedReadIsReturnedAndReportedUnlessItIsTheValues)
     EXPECT_EQ(events[0].message, L"80004001");
     EXPECT_EQ(events[0].severity, 4);
     EXPECT_EQ(events[0].category, L"system");
+    EXPECT_EQ(events[0].value, L"Null value");
     const std::size_t lineBreak = events[0].detail.find(L'\n');
     ASSERT_NE(lineBreak, std::wstring::npos);
     EXPECT_GT(std::stoi(events[0].detail.substr(0, lineBreak)), 0);
