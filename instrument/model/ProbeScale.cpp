@@ -1,71 +1,54 @@
 #include "instrument/model/ProbeScale.h"
 
-#include <atomic>
 #include <stdexcept>
 
 namespace cvars::model {
 
-/// Ties the scale at the tip anew when the attenuation changes.
-class ProbeScale::Follower final : public IVorCvarEventSink {
+/// The scale as it is at the tip. It steps as the channel's scale does, whose points lie further
+/// apart than any grain.
+class ProbeScale::Tip : public CCvarDoubleIndirect {
  public:
-  Follower(CvarObject<CCvarDoubleIndirect>* tip, IVorCvarDouble* scale)
-      : m_tip(tip), m_scale(scale) {}
+  void StepWith(IVorCvarDouble* scale) { m_scale = scale; }
+  HRESULT Increment(int steps) override { return m_scale->Increment(steps); }
 
-  HRESULT QueryInterface(REFIID iid, void** object) override {
-    if (object == nullptr) return E_POINTER;
-    *object = nullptr;
-    if (iid != IID_IUnknown && iid != IID_IVorCvarEventSink) return E_NOINTERFACE;
-    *object = static_cast<IVorCvarEventSink*>(this);
-    AddRef();
-    return S_OK;
-  }
-  ULONG AddRef() override { return ++m_references; }
-  ULONG Release() override {
-    const ULONG left = --m_references;
-    if (left == 0) delete this;
-    return left;
-  }
-  HRESULT OnCvarNotify(IVorCvar* attenuation, NOTIFYTYPE what) override {
-    if ((what & NOTIFY_VALUE) == 0) return S_OK;
-    CComVariant factor;
-    if (const HRESULT read = attenuation->get_Value(&factor); read != S_OK) return read;
-    Tie(factor.dblVal);
-    return m_tip->ForceNotification(NOTIFY_VALUE | NOTIFY_RANGE);
-  }
-
-  void Tie(double factor) {
-    double defaultValue = 0;
-    double min = 0;
-    double max = 0;
-    (void)m_scale->GetDefaultValue(&defaultValue);  // a number of its own cannot fail
-    (void)m_scale->GetMinValue(&min);
-    (void)m_scale->GetMaxValue(&max);
-    m_tip->CleanUp();
-    m_tip->Initialize(CComBSTR(L"Probe Scale"), nullptr, m_scale, factor, 0, factor * defaultValue,
-                      factor * min, factor * max, -4, CComBSTR(L"V"), CVARFLAG_COMPACT, CComBSTR());
-  }
+ protected:
+  Tip() = default;
+  ~Tip() = default;
 
  private:
-  ~Follower() = default;
-
-  std::atomic<ULONG> m_references{1};
-  CComPtr<CvarObject<CCvarDoubleIndirect>> m_tip;
   CComPtr<IVorCvarDouble> m_scale;
 };
 
+// Shows the scale multiplied by another factor.
+void ProbeScale::Tie(CvarObject<Tip>& tip, IVorCvarDouble* scale, double factor) {
+  double defaultValue = 0;
+  double min = 0;
+  double max = 0;
+  (void)scale->GetDefaultValue(&defaultValue);  // a number of its own cannot fail
+  (void)scale->GetMinValue(&min);
+  (void)scale->GetMaxValue(&max);
+  tip.CleanUp();
+  tip.Initialize(CComBSTR(L"Probe Scale"), nullptr, scale, factor, 0, factor * defaultValue,
+                 factor * min, factor * max, -4, CComBSTR(L"V"), CVARFLAG_COMPACT, CComBSTR());
+}
+
 ProbeScale::ProbeScale(CCvarBag& channel)
-    : m_tip(CvarObject<CCvarDoubleIndirect>::Create()),
-      m_attenuation(channel.Find(L"Probe Attenuation")) {
+    : m_tip(CvarObject<Tip>::Create()), m_attenuation(channel.Find(L"Probe Attenuation")) {
   const CComPtr<IVorCvar> found = channel.Find(L"Scale");
   CComPtr<IVorCvarDouble> scale;
-  if (m_attenuation == nullptr || found == nullptr ||
-      found->QueryInterface(IID_IVorCvarDouble, reinterpret_cast<void**>(&scale)) != S_OK) {
+  if (m_attenuation == nullptr || found == nullptr || found.QueryInterface(&scale) != S_OK) {
     throw std::logic_error("a channel lacks what its probe needs");
   }
-  CComPtr<Follower> follower;
-  follower.Attach(new Follower(m_tip, scale));
-  follower->Tie(1);
-  m_follower = follower.p;
+  m_tip->StepWith(scale);
+  Tie(*m_tip, scale, 1);
+  m_follower = FunctionListener::Create(
+      [tip = m_tip, scale](IVorCvar* attenuation, NOTIFYTYPE what) -> HRESULT {
+        if ((what & NOTIFY_VALUE) == 0) return S_OK;
+        CComVariant factor;
+        if (const HRESULT read = attenuation->get_Value(&factor); read != S_OK) return read;
+        Tie(*tip, scale, factor.dblVal);
+        return tip->ForceNotification(NOTIFY_VALUE | NOTIFY_RANGE);
+      });
   (void)m_attenuation->AttachCvarEventSink(m_follower);
   if (channel.Add(m_tip) != S_OK) throw std::logic_error("a cvar does not fit into its bag");
 }

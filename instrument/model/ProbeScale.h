@@ -15,9 +15,11 @@ class ProbeScale {
   ProbeScale& operator=(const ProbeScale&) = delete;
 
  private:
-  class Follower;
+  class Tip;
 
-  CComPtr<CvarObject<CCvarDoubleIndirect>> m_tip;
+  static void Tie(CvarObject<Tip>& tip, IVorCvarDouble* scale, double factor);
+
+  CComPtr<CvarObject<Tip>> m_tip;
   CComPtr<IVorCvar> m_attenuation;
   CComPtr<IVorCvarEventSink> m_follower;
 };

@@ -78,6 +78,18 @@ TEST_F(OscilloscopeTest, AResetFreesTheWindow) {
   EXPECT_EQ(Value(L"Horizontal", L"Window Scale"), 1e-3);
 }
 
+// The points of the scale are 1, 2, 5 times a power of ten; the probe divides by ten.
+TEST_F(OscilloscopeTest, TheScaleAtTheTipStepsWithTheChannelsScale) {
+  EXPECT_EQ(Set(L"Channel2", L"Probe Attenuation", 10), S_OK);
+  EXPECT_EQ(Set(L"Channel2", L"Scale", 0.5), S_OK);
+  EXPECT_DOUBLE_EQ(Value(L"Channel2", L"Probe Scale"), 5);
+  EXPECT_EQ(Cvar(L"Channel2", L"Probe Scale")->Increment(1), S_OK);
+  EXPECT_DOUBLE_EQ(Value(L"Channel2", L"Probe Scale"), 10);
+  EXPECT_EQ(Cvar(L"Channel2", L"Probe Scale")->Increment(-2), S_OK);
+  EXPECT_DOUBLE_EQ(Value(L"Channel2", L"Probe Scale"), 2);
+  EXPECT_DOUBLE_EQ(Value(L"Channel2", L"Scale"), 0.2);
+}
+
 TEST_F(OscilloscopeTest, TheDisplayFollowsEveryChannel) {
   for (int channel = 1; channel <= Oscilloscope::kChannelCount; ++channel) {
     const std::wstring number = std::to_wstring(channel);
