@@ -50,6 +50,17 @@ void AddAverages(CCvarBag& bag) {
   (void)bag.Add(averages);  // a new cvar has no parent yet
 }
 
+/// Pieces that the memory is divided into, one a trigger.
+void AddSegments(CCvarBag& bag) {
+  const auto segments = CvarObject<CCvarIntSet>::Create();
+  const std::set<int> counts = {1, 2, 5, 10, 20, 50, 100, 200, 500, 1000};
+  segments->SetMax(*counts.rbegin());
+  segments->SetMin(*counts.begin());
+  segments->Initialize(L"Segments", 1, counts, ADAPT_CLOSEST_UP, false, 1, L"", CVARFLAGS(0),
+                       nullptr, 0, kCopies);
+  (void)bag.Add(segments);  // a new cvar has no parent yet
+}
+
 }  // namespace
 
 CComPtr<CCvarBag> MakeHorizontalBag() {
@@ -59,6 +70,7 @@ CComPtr<CCvarBag> MakeHorizontalBag() {
   AddSampleRate(*bag);
   AddMemoryDepth(*bag);
   AddAverages(*bag);
+  AddSegments(*bag);
   return bag;
 }
 

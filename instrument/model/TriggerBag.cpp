@@ -28,6 +28,15 @@ void AddPattern(CCvarBag& bag) {
   (void)bag.Add(pattern);  // a new cvar has no parent yet
 }
 
+// Triggers that are passed over before the next one counts.
+void AddHoldOffEvents(CCvarBag& bag) {
+  constexpr std::int64_t kMost = 1'000'000'000'000;
+  const auto events = CvarObject<CCvarLongInt>::Create();
+  events->Initialize(L"Hold Off Events|events", 0, 0, kMost, 1, L"", CVARFLAGS(0), nullptr, 0,
+                     REPLICATE_VALUE | REPLICATE_REQUESTED);
+  (void)bag.Add(events);  // a new cvar has no parent yet
+}
+
 }  // namespace
 
 CComPtr<CCvarBag> MakeTriggerBag() {
@@ -35,6 +44,7 @@ CComPtr<CCvarBag> MakeTriggerBag() {
   AddDoubleCvars(*bag, kDoubles);
   AddEnumCvars(*bag, kEnums);
   AddPattern(*bag);
+  AddHoldOffEvents(*bag);
   return bag;
 }
 
