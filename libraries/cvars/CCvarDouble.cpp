@@ -30,8 +30,3 @@ HRESULT CCvarDouble::SetRange(double defaultValue, double min, double max, doubl
   }
   return NotifyClients(NOTIFY_ALL_CLIENTS, false);
 }
-
-bool CCvarDouble::UpdateAdaptedValue() {
-  const double clamped = cvars::ClampToRange(m_requested, m_min, m_max);
-  return SetAdapted(cvars::RoundToStep(clamped, cvars::EffectiveStep(clamped, m_grain)));
-}

@@ -29,10 +29,6 @@ class CVARS_API CCvarDouble : public IVorCvarDoubleImpl<CCvarDouble, IVorCvarDou
   HRESULT SetRange(double defaultValue, double min, double max, double grain, const wchar_t* unit,
                    const wchar_t* guiHints, unsigned int helpStringID, bool setDefault);
 
-  /// Clamps the request and rounds it to the grain. The result is not clamped again, so it may lie
-  /// outside the range by up to half a grain; that is meant.
-  bool UpdateAdaptedValue() override;
-
  protected:
   CCvarDouble() = default;
   ~CCvarDouble() = default;

@@ -1,6 +1,8 @@
 #pragma once
 
+#include <bit>
 #include <cmath>
+#include <cstdint>
 
 #include "GrainRounding.h"
 #include "IVorCvarDouble.h"
@@ -44,12 +46,23 @@ class CVARS_API IVorCvarDoubleImpl
       return std::isfinite(value) ? E_ACCESSDENIED : E_INVALIDARG;
     }
     const double old = this->m_requested;  // always finite
-    if (value == old) return S_OK;
+    if (std::bit_cast<std::uint64_t>(value) == std::bit_cast<std::uint64_t>(old)) return S_OK;
     if (!std::isfinite(value)) return E_INVALIDARG;
     if (std::fabs(value - old) <= cvars::WriteTolerance(old)) return S_OK;
     this->m_requested = value;
     this->AddPending(NOTIFY_REQUESTED);
     return this->UpdateAdaptedValueAndNotify();
+  }
+  /// Clamps the request and rounds it to the grain. The result is not clamped again, so it may lie
+  /// outside the range by up to half a grain; that is meant.
+  bool UpdateAdaptedValue() override {
+    const double clamped = cvars::ClampToRange(this->m_requested, m_min, m_max);
+    const double grain = m_grain;
+    double rounded;
+    if (!cvars::RoundQuickly(clamped, grain, rounded)) [[unlikely]] {
+      return RoundAndSetAdapted(clamped, grain);
+    }
+    return SetAdapted(rounded);
   }
   /// Sets NOTIFY_RANGE, and NOTIFY_VALUE when the adapted value moves; the same for the next two.
   /// @retval E_INVALIDARG  not finite  @retval S_FALSE  no change
@@ -73,6 +86,7 @@ class CVARS_API IVorCvarDoubleImpl
     this->m_adapted = value;
     return changed;
   }
+  bool RoundAndSetAdapted(double value, double grain);
   HRESULT SetGrain(double grain);
   HRESULT SetMax(double max);
   HRESULT SetMin(double min);

@@ -54,6 +54,11 @@ HRESULT IVorCvarDoubleImpl<T, Interface>::Increment(int steps) {
 }
 
 template <class T, class Interface>
+bool IVorCvarDoubleImpl<T, Interface>::RoundAndSetAdapted(double value, double grain) {
+  return SetAdapted(cvars::RoundToStep(value, cvars::EffectiveStep(value, grain)));
+}
+
+template <class T, class Interface>
 HRESULT IVorCvarDoubleImpl<T, Interface>::get_IsValueAdapted(int* adapted) {
   if (adapted == nullptr) return E_POINTER;
   const double requested = this->m_requested;

@@ -12,8 +12,11 @@ namespace cvars {
 /// When either is not finite they are the same only if they compare equal, so not-a-number is
 /// never the same as anything.
 inline bool NearlyEqual(double left, double right, double tolerance) noexcept {
-  if (std::isfinite(left) && std::isfinite(right)) return std::fabs(left - right) <= tolerance;
-  return left == right;
+  const double difference = std::fabs(left - right);
+  if (std::isnan(difference)) [[unlikely]] {
+    return left == right;
+  }
+  return difference <= tolerance && std::isfinite(left) && std::isfinite(right);
 }
 
 /// Gives the tolerance within which a written value is the same as the one that is there.
@@ -23,7 +26,9 @@ inline double WriteTolerance(double reference) noexcept { return std::fabs(refer
 ///
 /// With min above max, and for not-a-number, a value that is not below min gives max.
 inline double ClampToRange(double value, double min, double max) noexcept {
-  if (value >= min && value <= max) return value;
+  if (value >= min && value <= max) [[likely]] {
+    return value;
+  }
   return value < min ? min : max;
 }
 
@@ -39,19 +44,28 @@ inline double EffectiveStep(double value, double grain) noexcept {
   return grain > 0.0 ? grain : RelativeStep(value, grain);
 }
 
+/// Rounds as RoundToStep does, where that is common and cheap.
+/// @param[out] rounded  of no use when it was not
+/// @return whether it was
+inline bool RoundQuickly(double value, double step, double& rounded) noexcept {
+  if (!(step > 0.0)) return false;
+  // From 2^52 on every double is a whole number; below, cutting is much cheaper than a call.
+  constexpr double kAllWhole = 4503599627370496.0;
+  const double count = value / step + 0.5;
+  if (!(std::fabs(count) < kAllWhole)) return false;
+  const auto cut = static_cast<double>(static_cast<std::int64_t>(count));
+  rounded = (cut > count ? cut - 1.0 : cut) * step;
+  return std::isfinite(rounded);
+}
+
 /// Rounds to the nearest multiple of a step, counted from zero; ties go up.
 ///
 /// A step that is not above 0, or a result too large for a double, leaves the value as it is.
 inline double RoundToStep(double value, double step) noexcept {
+  double rounded;
+  if (RoundQuickly(value, step, rounded)) return rounded;
   if (!(step > 0.0)) return value;
-  // From 2^52 on every double is a whole number; below, cutting is much cheaper than a call.
-  constexpr double kAllWhole = 4503599627370496.0;
-  double count = value / step + 0.5;
-  if (std::fabs(count) < kAllWhole) {
-    const auto cut = static_cast<double>(static_cast<std::int64_t>(count));
-    count = cut > count ? cut - 1.0 : cut;
-  }
-  const double rounded = count * step;
+  rounded = std::floor(value / step + 0.5) * step;
   return std::isinf(rounded) ? value : rounded;
 }
 

@@ -89,7 +89,8 @@ class CVARS_API NumericCvar : public IVorCvarImpl<T, Interface, Number> {
   // Class side ------------------------------------------------------------------------------------
 
   HRESULT UpdateAdaptedValueAndNotify() override {
-    if (UpdateAdaptedValue()) this->AddPending(NOTIFY_VALUE);
+    // Asked of T, whose own adaptation the compiler then takes for the likely one and inlines.
+    if (static_cast<T*>(this)->UpdateAdaptedValue()) this->AddPending(NOTIFY_VALUE);
     return this->NotifyClients(NOTIFY_ALL_CLIENTS, false);
   }
   /// As UpdateAdaptedValueAndNotify; sets NOTIFY_RANGE.
