@@ -11,6 +11,10 @@ function(cvars_add_test name)
     cvars::warnings cvars::build_options)
   target_include_directories(${name} PRIVATE "${PROJECT_SOURCE_DIR}")
   set_target_properties(${name} PROPERTIES UNITY_BUILD OFF)
+  if(CVARS_SANITIZE)
+    # The sanitizers' code makes optimising a long test case take many times as long.
+    target_compile_options(${name} PRIVATE -O0)
+  endif()
   target_compile_definitions(${name} PRIVATE
     CVARS_SOURCE_DIR="${PROJECT_SOURCE_DIR}" CVARS_BINARY_DIR="${CMAKE_BINARY_DIR}")
   set(properties TIMEOUT 300)
