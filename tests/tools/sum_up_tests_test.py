@@ -31,9 +31,9 @@ class SumUpTests(unittest.TestCase):
         self.assertEqual((code, lines[-1]), (1, "1 passed, 1 failed"))
         self.assertIn("dev: failed: broken", lines)
 
-    def test_skipped_test_is_named_and_has_not_passed(self):
-        code, lines = self.run_on({"dev": [PASSED, SKIPPED]})
-        self.assertEqual((code, lines[-1]), (0, "1 passed, 0 failed"))
+    def test_skipped_test_is_named_and_counted_apart(self):
+        code, lines = self.run_on({"dev": [PASSED, SKIPPED], "asan": [SKIPPED]})
+        self.assertEqual((code, lines[-1]), (0, "1 passed, 0 failed, 2 skipped"))
         self.assertIn("dev: skipped: left out", lines)
 
     def test_stage_that_was_not_built_is_a_failure(self):
