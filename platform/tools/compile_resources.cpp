@@ -317,7 +317,7 @@ int Compile(const std::vector<std::string>& arguments) {
   WriteFile(output, Source(resources));
   if (!dependencies.empty()) {
     std::string line = DependencyName(output) + ":";
-    for (const std::string& file : resources.files) line += " " + DependencyName(file);
+    for (const std::string& file : resources.files) line.append(" ").append(DependencyName(file));
     WriteFile(dependencies, line + "\n");
   }
   return 0;

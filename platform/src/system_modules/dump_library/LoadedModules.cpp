@@ -15,7 +15,7 @@ constexpr std::string_view kBuildIdOwner("GNU\0", 4);
 
 std::uint64_t RoundUp4(std::uint64_t value) { return (value + 3) & ~std::uint64_t{3}; }
 
-std::vector<std::byte> FindBuildId(std::span<const std::byte> notes) {
+std::span<const std::byte> FindBuildId(std::span<const std::byte> notes) {
   std::size_t position = 0;
   while (position + sizeof(Elf64_Nhdr) <= notes.size()) {
     Elf64_Nhdr note;
@@ -26,8 +26,7 @@ std::vector<std::byte> FindBuildId(std::span<const std::byte> notes) {
     if (next > notes.size()) break;
     if (note.n_type == NT_GNU_BUILD_ID && note.n_namesz == kBuildIdOwner.size() &&
         std::memcmp(notes.data() + name, kBuildIdOwner.data(), kBuildIdOwner.size()) == 0) {
-      const auto identifier = notes.subspan(content, note.n_descsz);
-      return {identifier.begin(), identifier.end()};
+      return notes.subspan(content, note.n_descsz);
     }
     position = next;
   }
@@ -49,8 +48,8 @@ std::vector<std::byte> ReadBuildId(const StoppedProcess& process, const Elf64_Eh
       if (pass == 0 || segment->p_type != PT_NOTE) continue;
       std::vector<std::byte> notes(std::min<std::uint64_t>(segment->p_memsz, kLargestNotes));
       notes.resize(process.ReadMemory(base - firstAddress + segment->p_vaddr, notes));
-      auto identifier = FindBuildId(notes);
-      if (!identifier.empty()) return identifier;
+      const std::span<const std::byte> identifier = FindBuildId(notes);
+      if (!identifier.empty()) return {identifier.begin(), identifier.end()};
     }
   }
   return {};
