@@ -95,7 +95,9 @@ bool ReadLayout(Reader& reader, Layout& layout) {
     layout.height = layout.fromTop ? -height : height;
     layout.bits = reader.Word(at + 14);
     layout.compression = reader.Dword(at + 16);
-    layout.colours = reader.Dword(at + 32);
+    // Deeper images may name colours too, for screens that have few; they are not needed to read
+    // it.
+    if (layout.bits <= 8) layout.colours = reader.Dword(at + 32);
   } else {
     return false;
   }

@@ -118,6 +118,7 @@ const BmpCase kCases[] = {
      {255, 0, 0, 0, 255, 0, 0, 0, 0, 0, 255, 255, 255, 255, 0, 0},
      {kRed, kWhite, kBlue, kGreen}},
     {"ThirtyTwoBits", 1, 2, 32, 0, {}, 0, {255, 0, 0, 0, 0, 0, 255, 9}, {kRed, kBlue}},
+    {"ColoursOfADeepImageAreNotRead", 1, 1, 32, 0, {}, 100000, {255, 0, 0, 0}, {kBlue}},
     {"RowsFromTheTop", 1, -2, 32, 0, {}, 0, {255, 0, 0, 0, 0, 0, 255, 0}, {kBlue, kRed}},
     {"RunLength8",
      2,
