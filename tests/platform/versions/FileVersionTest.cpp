@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
@@ -138,7 +139,7 @@ std::vector<char> ElfWithNotes(const std::vector<char>& notes, std::uint64_t ali
   std::vector<char> file(sizeof(header) + sizeof(segment));
   std::memcpy(file.data(), &header, sizeof(header));
   std::memcpy(file.data() + sizeof(header), &segment, sizeof(segment));
-  file.insert(file.end(), notes.begin(), notes.end());
+  std::ranges::copy(notes, std::back_inserter(file));
   return file;
 }
 
@@ -148,12 +149,12 @@ std::vector<char> Note(const std::string& name, std::uint32_t type,
                                 static_cast<std::uint32_t>(words.size() * 4), type};
   std::vector<char> note(reinterpret_cast<const char*>(head),
                          reinterpret_cast<const char*>(head) + sizeof(head));
-  note.insert(note.end(), name.begin(), name.end());
+  std::ranges::copy(name, std::back_inserter(note));
   do {
     note.push_back('\0');
   } while (note.size() % 4 != 0);
   const char* bytes = reinterpret_cast<const char*>(words.data());
-  note.insert(note.end(), bytes, bytes + words.size() * 4);
+  std::copy_n(bytes, words.size() * 4, std::back_inserter(note));
   return note;
 }
 
