@@ -3,8 +3,11 @@
 #include <CLI/CLI.hpp>
 #include <cstdio>
 #include <exception>
+#include <string>
 
 #include "Cvars.h"
+#include "instrument/diagnostics/FaultReporter.h"
+#include "instrument/diagnostics/InstrumentLog.h"
 #include "instrument/model/Oscilloscope.h"
 #include "instrument/remote/BagCommands.h"
 #include "instrument/remote/CommandServer.h"
@@ -13,8 +16,40 @@
 
 namespace {
 
+using cvars::diagnostics::FaultReporter;
+using cvars::diagnostics::InstrumentLog;
 using cvars::model::Oscilloscope;
 using namespace cvars::remote;
+
+ServerHooks HooksOf(InstrumentLog& log) {
+  ServerHooks hooks;
+  hooks.connected = [&log](const std::string& client) { log.ClientConnected(client); };
+  hooks.gone = [&log](const std::string& client) { log.ClientGone(client); };
+  hooks.refused = [&log](const std::string& client, const ProgramUnit& unit, ScpiError error) {
+    log.SettingRefused(
+        client, std::string(unit.header) + std::string(unit.data),
+        std::to_string(static_cast<int>(error)) + ",\"" + std::string(ErrorText(error)) + '"');
+  };
+  return hooks;
+}
+
+void RunServer(const CommandTable& table, const Device& device, const ListenAddress& where) {
+  const FaultReporter faults;
+  InstrumentLog log;
+  {
+    CommandServer server(table, device, where, HooksOf(log));
+    server.StopOnSignals();
+    log.Started(where.address, server.Port());
+    std::printf(
+        "cvar-scope listens on %s port %d\n"
+        "Talk to it:  printf '*IDN?\\nCHANNEL1:SCALE 0.5;SCALE?\\n' | nc -N %s %d\n"
+        "Ctrl-C ends it.\n",
+        where.address.c_str(), server.Port(), where.address.c_str(), server.Port());
+    std::fflush(stdout);
+    server.Run();
+  }  // the last clients are gone
+  log.Stopped();
+}
 
 int Serve(const ListenAddress& where) {
   Oscilloscope scope;
@@ -30,15 +65,7 @@ int Serve(const ListenAddress& where) {
             MakeSwitchCommand([&scope] { return scope.Window().Tracks(); },
                               [&scope](bool on) { scope.Window().SetTracks(on); }));
   const Device device{"Vortana,CVAR-SCOPE,0," CVARS_VERSION, [&scope] { scope.Reset(); }};
-  CommandServer server(table, device, where);
-  server.StopOnSignals();
-  std::printf(
-      "cvar-scope listens on %s port %d\n"
-      "Talk to it:  printf '*IDN?\\nCHANNEL1:SCALE 0.5;SCALE?\\n' | nc -N %s %d\n"
-      "Ctrl-C ends it.\n",
-      where.address.c_str(), server.Port(), where.address.c_str(), server.Port());
-  std::fflush(stdout);
-  server.Run();
+  RunServer(table, device, where);
   return 0;
 }
 

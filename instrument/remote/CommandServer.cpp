@@ -29,8 +29,9 @@ constexpr std::chrono::milliseconds kAcceptPause{50};
 
 class CommandServer::Loop {
  public:
-  Loop(const CommandTable& table, const Device& device, const ListenAddress& where)
-      : m_table(table), m_device(device) {
+  Loop(const CommandTable& table, const Device& device, const ListenAddress& where,
+       ServerHooks hooks)
+      : m_table(table), m_device(device), m_hooks(std::move(hooks)) {
     const tcp::endpoint endpoint(asio::ip::make_address(where.address), where.port);
     m_acceptor.open(endpoint.protocol());
     m_acceptor.set_option(asio::socket_base::reuse_address(true));
@@ -63,7 +64,8 @@ class CommandServer::Loop {
     m_acceptor.async_accept([this](const error_code& error, tcp::socket socket) {
       if (error) return AcceptLater();
       if (m_clients < kMostClients) {
-        std::make_shared<Connection>(std::move(socket), m_table, m_device, m_clients)->Start();
+        std::make_shared<Connection>(std::move(socket), m_table, m_device, m_hooks, m_clients)
+            ->Start();
       }
       Accept();
     });
@@ -78,7 +80,9 @@ class CommandServer::Loop {
 
   const CommandTable& m_table;
   const Device& m_device;
-  // The connections live in handlers of the context and count themselves out of this.
+  // The connections live in handlers of the context; they tell of their end and count themselves
+  // out.
+  const ServerHooks m_hooks;
   std::size_t m_clients = 0;
   asio::io_context m_context{1};
   tcp::acceptor m_acceptor{m_context};
@@ -87,8 +91,8 @@ class CommandServer::Loop {
 };
 
 CommandServer::CommandServer(const CommandTable& table, const Device& device,
-                             const ListenAddress& where) try
-    : m_loop(std::make_unique<Loop>(table, device, where)) {
+                             const ListenAddress& where, ServerHooks hooks) try
+    : m_loop(std::make_unique<Loop>(table, device, where, std::move(hooks))) {
 } catch (const boost::system::system_error& error) {
   throw std::system_error(error.code(), where.address + ":" + std::to_string(where.port));
 }

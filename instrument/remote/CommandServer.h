@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <string>
 
@@ -14,6 +15,17 @@ namespace cvars::remote {
 struct ListenAddress {
   std::string address = "127.0.0.1";  ///< numeric, IPv4 or IPv6
   std::uint16_t port = 5025;          ///< 0 takes a free port
+};
+
+/// What a server tells its host. Called on the thread that runs the server; must not throw.
+///
+/// A client is named by its address and port, as in "127.0.0.1:40000" and "[::1]:40000".
+struct ServerHooks {
+  std::function<void(const std::string& client)> connected = [](const std::string&) {};
+  std::function<void(const std::string& client)> gone = [](const std::string&) {};
+  /// A command without question mark ended in an error.
+  std::function<void(const std::string& client, const ProgramUnit& unit, ScpiError error)> refused =
+      [](const std::string&, const ProgramUnit&, ScpiError) {};
 };
 
 /// Serves the commands of a table to TCP clients.
@@ -30,8 +42,10 @@ class CommandServer {
   /// Starts to listen; nothing is served before Run.
   /// @param table   borrowed
   /// @param device  borrowed
+  /// @param hooks   copied
   /// @throws std::system_error  when the address cannot be listened to
-  CommandServer(const CommandTable& table, const Device& device, const ListenAddress& where);
+  CommandServer(const CommandTable& table, const Device& device, const ListenAddress& where,
+                ServerHooks hooks = {});
   ~CommandServer();
   CommandServer(const CommandServer&) = delete;
   CommandServer& operator=(const CommandServer&) = delete;

@@ -18,15 +18,34 @@ constexpr std::size_t kReadSize = 16 * 1024;
 /// Commands that one client may run before the others get their turn.
 constexpr std::size_t kCommandsPerTurn = 256;
 
+std::string AddressOf(const tcp::socket& socket) {
+  error_code error;
+  const tcp::endpoint endpoint = socket.remote_endpoint(error);
+  if (error) return "unknown";  // it is gone already
+  const std::string address = endpoint.address().to_string();
+  return (endpoint.address().is_v6() ? "[" + address + "]" : address) + ":" +
+         std::to_string(endpoint.port());
+}
+
 }  // namespace
 
 Connection::Connection(tcp::socket socket, const CommandTable& table, const Device& device,
-                       std::size_t& clients)
-    : m_socket(std::move(socket)), m_clients(clients), m_session(table, device) {
+                       const ServerHooks& hooks, std::size_t& clients)
+    : m_socket(std::move(socket)),
+      m_hooks(hooks),
+      m_clients(clients),
+      m_client(AddressOf(m_socket)),
+      m_session(table, device, [this](const ProgramUnit& unit, ScpiError error) {
+        m_hooks.refused(m_client, unit, error);
+      }) {
   ++m_clients;
+  m_hooks.connected(m_client);
 }
 
-Connection::~Connection() { --m_clients; }
+Connection::~Connection() {
+  m_hooks.gone(m_client);
+  --m_clients;
+}
 
 void Connection::Start() {
   error_code error;

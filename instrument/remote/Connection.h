@@ -3,7 +3,9 @@
 #include <boost/asio/ip/tcp.hpp>
 #include <cstddef>
 #include <memory>
+#include <string>
 
+#include "instrument/remote/CommandServer.h"
 #include "instrument/remote/LineReader.h"
 #include "instrument/remote/Session.h"
 
@@ -17,9 +19,10 @@ class Connection : public std::enable_shared_from_this<Connection> {
  public:
   /// @param table   borrowed
   /// @param device  borrowed
+  /// @param hooks   borrowed; told when the connection is made and when it goes.
   /// @param clients  counts the connections that live; borrowed.
   Connection(boost::asio::ip::tcp::socket socket, const CommandTable& table, const Device& device,
-             std::size_t& clients);
+             const ServerHooks& hooks, std::size_t& clients);
   ~Connection();
   Connection(const Connection&) = delete;
   Connection& operator=(const Connection&) = delete;
@@ -36,7 +39,9 @@ class Connection : public std::enable_shared_from_this<Connection> {
   void Close();
 
   boost::asio::ip::tcp::socket m_socket;
+  const ServerHooks& m_hooks;
   std::size_t& m_clients;
+  const std::string m_client;  ///< address and port
   LineReader m_lines;
   Session m_session;
   std::size_t m_sentLength = 0;  ///< how much of the session's response is sent

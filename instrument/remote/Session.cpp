@@ -28,7 +28,7 @@ bool Session::Run(std::size_t& budget) {
   while (!m_message.AtEnd()) {
     if (budget == 0) return false;
     --budget;
-    m_status.Report(RunUnitGuarded());
+    Report(RunUnitGuarded());
   }
   if (m_hasAnswer) m_response.push_back('\n');
   m_hasAnswer = false;
@@ -40,6 +40,11 @@ const std::string& Session::Execute(std::string_view line) {
   std::size_t budget = std::numeric_limits<std::size_t>::max();
   (void)Run(budget);  // the budget outlasts every line
   return m_response;
+}
+
+void Session::Report(ScpiError error) {
+  m_status.Report(error);
+  if (error != ScpiError::kNone && !m_unit.isQuery && m_refused) m_refused(m_unit, error);
 }
 
 ScpiError Session::RunUnitGuarded() {

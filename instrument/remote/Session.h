@@ -1,8 +1,10 @@
 #pragma once
 
 #include <cstddef>
+#include <functional>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "instrument/remote/Command.h"
 #include "instrument/remote/CommandTable.h"
@@ -19,10 +21,14 @@ class Session {
   /// Longest response in bytes; a line that answers more is a deadlocked query and answers nothing.
   static constexpr std::size_t kResponseLimit = std::size_t{16} << 20;
 
-  /// @param table   borrowed
-  /// @param device  borrowed
-  Session(const CommandTable& table, const Device& device) noexcept
-      : m_table(table), m_device(device) {}
+  /// Told of a command without question mark that ended in an error.
+  using Refused = std::function<void(const ProgramUnit& unit, ScpiError error)>;
+
+  /// @param table    borrowed
+  /// @param device   borrowed
+  /// @param refused  empty when nobody wants to know.
+  Session(const CommandTable& table, const Device& device, Refused refused = {}) noexcept
+      : m_table(table), m_device(device), m_refused(std::move(refused)) {}
 
   /// Starts a line and drops the response of the one before.
   /// @param line  borrowed until Run has returned true; without line feed.
@@ -40,6 +46,7 @@ class Session {
   StatusModel& Status() noexcept { return m_status; }
 
  private:
+  void Report(ScpiError error);
   ScpiError RunUnitGuarded();
   ScpiError RunUnit();
   ScpiError Resolve(const Command*& command);
@@ -47,6 +54,7 @@ class Session {
 
   const CommandTable& m_table;
   const Device& m_device;
+  Refused m_refused;
   StatusModel m_status;
   ProgramMessage m_message;
   ProgramUnit m_unit;

@@ -49,7 +49,9 @@
 #include "platform/MessageBoxPresenter.h"
 #include "platform/Modules.h"
 #include "platform/NamedMutex.h"
+#include "platform/Processes.h"
 #include "platform/Registry.h"
+#include "platform/Utf8.h"
 #include "platform/Volumes.h"
 
 // Interfaces of outside components.

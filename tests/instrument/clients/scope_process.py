@@ -1,13 +1,22 @@
-"""Runs cvar-scope for a test, on a free port."""
+"""Runs cvar-scope for a test, on a free port and in a home of its own."""
+import atexit
+import os
 import re
+import shutil
 import subprocess
+import tempfile
 
 
 class ScopeProcess:
     """The instrument as a child process; ended by SIGTERM, which it answers with a clean exit."""
 
     def __init__(self, program):
-        self.process = subprocess.Popen([program, "--port", "0"], stdout=subprocess.PIPE, text=True)
+        # Kept to the end of the test program, so that a test can look at what was left there.
+        home = tempfile.mkdtemp(prefix="vortana-home-")
+        atexit.register(shutil.rmtree, home, ignore_errors=True)
+        self.environment = dict(os.environ, VORTANA_HOME=home, VORTANA_JOURNAL="none")
+        self.process = subprocess.Popen([program, "--port", "0"], stdout=subprocess.PIPE, text=True,
+                                        env=self.environment)
         greeting = self.process.stdout.readline()
         found = re.fullmatch(r"cvar-scope listens on 127\.0\.0\.1 port (\d+)\n", greeting)
         if found is None:

@@ -200,6 +200,16 @@ TEST_F(SessionTest, RegistersByCommand) {
   EXPECT_EQ(Ask("NOTHING;*CLS;*ESR?;:SYST:ERR:COUN?"), "0;0\n");
 }
 
+TEST_F(SessionTest, ARefusedCommandIsToldAndARefusedQueryIsNot) {
+  std::vector<std::string> refused;
+  Session told(table, device, [&refused](const ProgramUnit& unit, ScpiError error) {
+    refused.push_back(std::string(unit.header) + "|" + std::string(unit.data) + "|" +
+                      std::to_string(static_cast<int>(error)));
+  });
+  told.Execute("A:B 1;NONE 'x', 2;NONE?;FAIL?;*RST 5;EXHAUSTED?");
+  EXPECT_EQ(refused, (std::vector<std::string>{"NONE| 'x', 2|-113", "*RST| 5|-108"}));
+}
+
 TEST_F(SessionTest, ResetCallsTheDevice) {
   EXPECT_EQ(Ask("*RST"), "");
   EXPECT_EQ(resets, 1);
