@@ -4,9 +4,12 @@
 #include <gtest/gtest.h>
 
 #include <csignal>
+#include <cstdio>
+#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <string>
+#include <vector>
 
 #include "CComBSTR.h"
 #include "IsolatedHome.h"
@@ -161,6 +164,60 @@ TEST_F(MiniDumpWriterTest, ALibraryOfVersionTenInTheProgramsFolderIsPassedOver) 
   MiniDumpWriter writer(L"Test", L"%LOGS%", 1000, 0);
   EXPECT_EQ(Write(writer), L"C:\\Vortana\\Quillon\\Logs\\Test.dmp");
   EXPECT_TRUE(IsDump(MakeLogs() / "Test.dmp"));
+}
+
+// A process whose system folder holds no dump library, and whose program folder one that is passed
+// over, so that the search comes to the folders of PATH. Gives the lines that it prints.
+class DumpLibrarySearch : public MiniDumpWriterTest {
+ protected:
+  DumpLibrarySearch() {
+    MakeLogs();
+    // The system folder is the one of the platform library.
+    fs::create_directories(m_systemFolder);
+    fs::copy_file(CVARS_PLATFORM_LIBRARY, m_systemFolder / CVARS_PLATFORM_LIBRARY_NAME);
+  }
+
+  std::vector<std::string> Search(const std::string& path) const {
+    const std::string command = "PATH='" + path + "' LD_LIBRARY_PATH='" + m_systemFolder.string() +
+                                "' " CVARS_DUMP_LIBRARY_SEARCH;
+    FILE* const output = popen(command.c_str(), "r");
+    if (output == nullptr) return {};
+    std::vector<std::string> lines;
+    char line[4096];
+    while (fgets(line, sizeof(line), output) != nullptr) {
+      lines.emplace_back(line, std::strcspn(line, "\n"));
+    }
+    EXPECT_EQ(pclose(output), 0);
+    return lines;
+  }
+
+  static std::string FolderOf(const char* file) { return fs::path(file).parent_path().string(); }
+
+  const fs::path m_systemFolder = m_home.Folder() / "system";
+  const std::string m_incomplete = FolderOf(CVARS_INCOMPLETE_DUMP_LIBRARY);
+  const std::string m_complete = FolderOf(CVARS_DUMP_LIBRARY);
+};
+
+TEST_F(DumpLibrarySearch, TheFoldersOfPathComeLast) {
+  EXPECT_EQ(Search("/missing:" + m_complete),
+            (std::vector<std::string>{"00000000", CVARS_DUMP_LIBRARY}));
+  EXPECT_TRUE(IsDump(MakeLogs() / "Search.dmp"));
+}
+
+TEST_F(DumpLibrarySearch, ALibraryWithoutTheFunctionIsFreedAndPassedOver) {
+  EXPECT_EQ(Search(m_incomplete + ":" + m_complete),
+            (std::vector<std::string>{"00000000", CVARS_DUMP_LIBRARY}));
+  EXPECT_TRUE(IsDump(MakeLogs() / "Search.dmp"));
+}
+
+TEST_F(DumpLibrarySearch, ALibraryWithoutTheFunctionAloneGivesTheSystemsError) {
+  constexpr char kProcedureNotFound[] = "8007007f";
+  EXPECT_EQ(Search(m_incomplete), std::vector<std::string>{kProcedureNotFound});
+  EXPECT_FALSE(fs::exists(MakeLogs() / "Search.dmp"));
+}
+
+TEST_F(DumpLibrarySearch, WithoutAnyLibraryItFails) {
+  EXPECT_EQ(Search("/missing"), std::vector<std::string>{"80004005"});
 }
 
 TEST_F(MiniDumpWriterTest, TheExceptionBelongsToTheGivenThread) {
