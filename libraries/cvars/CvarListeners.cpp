@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <cstring>
 #include <new>
 
 #include "CComPtr.h"
@@ -12,7 +13,8 @@ using platform::RecursiveLock;
 using platform::ScopedLock;
 
 CvarListeners::Block* CvarListeners::Block::Make(std::uint32_t capacity) {
-  const std::size_t bytes = sizeof(Block) + std::size_t{capacity} * 2 * sizeof(void*);
+  const std::size_t bytes =
+      sizeof(Block) + std::size_t{capacity} * (2 * sizeof(void*) + sizeof(std::uint32_t));
   void* memory = std::malloc(bytes);
   if (memory == nullptr) throw std::bad_alloc();
   Block* block = new (memory) Block;
@@ -32,21 +34,32 @@ void CvarListeners::Block::Append(IVorCvarEventSink* sink, IUnknown* identity) n
   const std::uint32_t index = count.load(std::memory_order_relaxed);
   Sinks()[index] = sink;
   Identities()[index] = identity;
+  Tags()[index] = TagOf(identity);
   count.store(index + 1, std::memory_order_seq_cst);
 }
 
 // From the end: what was attached last is detached first as a rule.
 std::uint32_t CvarListeners::Block::Find(IUnknown* identity) noexcept {
-  IUnknown** const all = Identities();
+  using Tags4 [[gnu::vector_size(16)]] = std::uint32_t;
+  constexpr std::uint32_t kStride = 16;
+  const std::uint32_t tag = TagOf(identity);
+  const Tags4 wanted = {tag, tag, tag, tag};
   const std::uint32_t n = count.load(std::memory_order_relaxed);
-  std::uint32_t i = n;
-  for (; i >= 4; i -= 4) {
-    const bool here = (all[i - 1] == identity) | (all[i - 2] == identity) |
-                      (all[i - 3] == identity) | (all[i - 4] == identity);
-    if (here) break;
+  std::uint32_t end = n;
+  for (; end >= kStride; end -= kStride) {
+    Tags4 group[4];
+    std::memcpy(group, Tags() + (end - kStride), sizeof group);
+    const auto here =
+        (group[0] == wanted) | (group[1] == wanted) | (group[2] == wanted) | (group[3] == wanted);
+    std::uint64_t halves[2];
+    std::memcpy(halves, &here, sizeof halves);
+    if ((halves[0] | halves[1]) == 0) continue;
+    for (std::uint32_t i = end; i > end - kStride; --i) {
+      if (Identities()[i - 1] == identity) return i - 1;
+    }
   }
-  for (; i > 0; --i) {
-    if (all[i - 1] == identity) return i - 1;
+  for (; end > 0; --end) {
+    if (Identities()[end - 1] == identity) return end - 1;
   }
   return n;
 }

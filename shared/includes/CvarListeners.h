@@ -18,7 +18,7 @@ namespace cvars {
 /// change it in place while none does.
 class CVARS_API CvarListeners {
  public:
-  // Sinks first, then the identity of each; both arrays have room for `capacity`.
+  // Sinks first, then the identity of each, then its tag; the arrays have room for `capacity`.
   struct alignas(16) Block {
     std::atomic<std::int64_t> out{0};  // snapshots taken less those given back, once it is replaced
     std::atomic<std::uint32_t> count{0};
@@ -26,6 +26,13 @@ class CVARS_API CvarListeners {
 
     IVorCvarEventSink** Sinks() noexcept { return reinterpret_cast<IVorCvarEventSink**>(this + 1); }
     IUnknown** Identities() noexcept { return reinterpret_cast<IUnknown**>(Sinks() + capacity); }
+    // Four of them are compared at once while a long list is searched.
+    std::uint32_t* Tags() noexcept {
+      return reinterpret_cast<std::uint32_t*>(Identities() + capacity);
+    }
+    static std::uint32_t TagOf(const IUnknown* identity) noexcept {
+      return static_cast<std::uint32_t>(reinterpret_cast<std::uintptr_t>(identity) >> 3);
+    }
 
     static Block* Make(std::uint32_t capacity);
     /// A block that is left goes with its references.
