@@ -247,7 +247,7 @@ void Threads1M(benchmark::State& s, Make make, Set set, Kill kill) {
 
 template <class F>
 void RegisterThreads(const std::string& name, F f) {
-  for (int n : {1, 4})
+  for (int n : {1, 2, 4})
     benchmark::RegisterBenchmark(name.c_str(), f)
         ->Arg(n)
         ->UseManualTime()

@@ -9,8 +9,10 @@
 
 #include <cstdint>
 #include <cstdlib>
+#include <memory>
 #include <string_view>
 #include <thread>
+#include <vector>
 
 #include "Cvars.h"
 #include "instrument/model/Oscilloscope.h"
@@ -137,6 +139,47 @@ void RoundTrip(benchmark::State& state) {
   }
 }
 
+/// One iteration = a query of each client, all under way at once, and their answers.
+void RoundTripsOfMany(benchmark::State& state) {
+  const Scope scope;
+  const sockaddr_in address = Loopback(scope.Port());
+  std::vector<std::unique_ptr<Socket>> clients;
+  for (std::int64_t i = 0; i < state.range(0); ++i) {
+    clients.push_back(std::make_unique<Socket>(socket(AF_INET, SOCK_STREAM, 0)));
+    if (connect(*clients.back(), reinterpret_cast<const sockaddr*>(&address), sizeof address) !=
+        0) {
+      std::abort();
+    }
+    clients.back()->SendWithoutDelay();
+  }
+  for (auto step : state) {
+    for (const auto& client : clients) {
+      if (send(*client, kQuery.data(), kQuery.size(), MSG_NOSIGNAL) < 0) std::abort();
+    }
+    for (const auto& client : clients) {
+      char buffer[256];
+      ssize_t size = 0;
+      do {
+        size = recv(*client, buffer, sizeof buffer, 0);
+        if (size <= 0) std::abort();
+      } while (buffer[size - 1] != '\n');
+    }
+  }
+  state.counters["per_query"] = benchmark::Counter(
+      static_cast<double>(state.iterations()) * static_cast<double>(state.range(0)),
+      benchmark::Counter::kIsRate | benchmark::Counter::kInvert);
+}
+
+/// From nothing to an instrument that listens, and back.
+void StartUp(benchmark::State& state) {
+  for (auto step : state) {
+    const Scope scope;
+    benchmark::DoNotOptimize(scope.Port());
+  }
+}
+
+BENCHMARK(RoundTripsOfMany)->Name("round_trip/clients")->Arg(1)->Arg(8)->Arg(64)->UseRealTime();
+BENCHMARK(StartUp)->Name("start_up/instrument")->UseRealTime()->Unit(benchmark::kMicrosecond);
 BENCHMARK(RoundTrip<Scope>)->Name("round_trip/query")->UseRealTime();
 BENCHMARK(RoundTrip<EchoServer>)->Name("round_trip/echo")->UseRealTime();
 
