@@ -7,8 +7,8 @@
 #include <string>
 #include <vector>
 
-#include "benchmarks/Cases.h"
 #include "Cvars.h"
+#include "benchmarks/Cases.h"
 
 namespace {
 
@@ -108,6 +108,17 @@ void ThreadsCase(benchmark::State& state) {
       [](std::unique_ptr<Rig>& rig) { rig.reset(); });
 }
 
+// What threads gain here that share nothing at all, by as much arithmetic as a set does.
+void ArithmeticCase(benchmark::State& state) {
+  Threads1M(
+      state, [] { return std::make_unique<double>(1.0); },
+      [](std::unique_ptr<double>& sum, double value) {
+        for (int i = 0; i < 8; ++i) *sum = Fit(*sum + value) * 0.5;
+        benchmark::DoNotOptimize(*sum);
+      },
+      [](std::unique_ptr<double>& sum) { sum.reset(); });
+}
+
 // A cvar for each of the text values, whose grain is that value's step.
 std::vector<CComPtr<DoubleCvar>> TextCvars() {
   std::vector<CComPtr<DoubleCvar>> cvars;
@@ -200,6 +211,7 @@ int main(int argc, char** argv) {
   RegisterBenchmark("set_same/bag", SetSameCase);
   RegisterBenchmark("batch10/bag", Batch10Case);
   RegisterThreads("threads_1M/no_parent", ThreadsCase);
+  RegisterThreads("threads_1M/arithmetic", ArithmeticCase);
   RegisterBenchmark("value_to_text_eng/screen",
                     ValueToText<&IVorCvar::GetAdaptedValueStringScreen>);
   RegisterBenchmark("value_to_text_eng/remote",
