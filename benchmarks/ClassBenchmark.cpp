@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -30,12 +31,23 @@ struct Class {
   const char* name;
   std::function<Cvar()> make;
   std::wstring texts[2];
+  bool steps = true;  ///< whether Increment moves its value
 };
 
 Cvar MakeBits(int bits) {
   return Make<CCvarBitPattern>(L"Pattern", L"0", bits, bits, BITPATTERN_FORMAT_BIN, L"01",
                                unsigned{L'0'}, BITPATTERN_PAD_LEFT, BITPATTERN_SIZE_BIT_FIX,
                                kNoFlags, L"", 0u, kCopies);
+}
+
+// Stands in front of a plain double, and holds it.
+Cvar MakeIndirect() {
+  const auto target = CvarObject<CCvarDouble>::Create();
+  target->Initialize(L"Level", 1.0, 0.0, 10.0, 0.001, L"V", kNoFlags, L"", 0u, kCopies);
+  const auto cvar = CvarObject<CCvarDoubleIndirect>::Create();
+  cvar->Initialize(CComBSTR(L"Level"), nullptr, target, 10.0, 0.0, 10.0, 0.0, 100.0, 0.01,
+                   CComBSTR(L"V"), kNoFlags, CComBSTR());
+  return Cvar(cvar);  // kept to the end of the process: the target listens to nobody else
 }
 
 std::wstring TableText(int rows, wchar_t first) {
@@ -66,6 +78,54 @@ const std::vector<Class>& Classes() {
                                    kNoFlags, L"", 0u, kCopies);
        },
        {L"25", L"725"}},
+      {"lockstep",
+       [] {
+         return Make<CCvarDoubleLockstep>(L"Scale", 1.0, 1e-3, 100.0, LOCKSTEP_1_2_5, L"V", 0,
+                                          kNoFlags, L"", 0u, kCopies);
+       },
+       {L"2", L"5"}},
+      {"double_set",
+       [] {
+         return Make<CCvarDoubleSet>(L"Rate", 1.0, std::set<double>{1, 2, 5, 10, 20, 50, 100},
+                                     ADAPT_CLOSEST_DOWN, 0.0, false, 0.0, L"HZ", kNoFlags, L"", 0u,
+                                     kCopies);
+       },
+       {L"2", L"50"}},
+      {"indirect", MakeIndirect, {L"25", L"72.5"}},
+      {"int_set",
+       [] {
+         return Make<CCvarIntSet>(L"Segments", 1, std::set<int>{1, 2, 5, 10, 20, 50, 100},
+                                  ADAPT_CLOSEST_DOWN, false, 1, L"", kNoFlags, L"", 0u, kCopies);
+       },
+       {L"2", L"50"}},
+      {"long_int_set",
+       [] {
+         using Number = std::int64_t;
+         return Make<CCvarLongIntSet>(
+             L"Depth", Number{1}, std::set<Number>{1, 2, 5, 10, 20, 50, 100}, ADAPT_CLOSEST_DOWN,
+             false, Number{1}, L"", kNoFlags, L"", 0u, kCopies);
+       },
+       {L"2", L"50"}},
+      {"enum",
+       [] {
+         return Make<CCvarEnum>(L"Mode", L"Auto,Normal,Single,Stop", 0, kNoFlags, L"", 0u, kCopies,
+                                0ul);
+       },
+       {L"NORMAL", L"STOP"}},
+      {"file_name",
+       [] {
+         return Make<CCvarFileName>(L"File", L"", L"", L"", L"", L"fullfilename", 260, 0, 0,
+                                    kNoFlags, L"", 0u, kCopies);
+       },
+       {L"D:\\Data\\a.trc", L"D:\\Data\\b.trc"},
+       false},
+      {"register",
+       [] {
+         return Make<CCvarRegister>(L"Control", 0u, ACCESSSTYLE_READWRITE, 0x100u, 16u, 0xFFFFu,
+                                    kNoFlags, L"", 0u, kCopies, false);
+       },
+       {L"0x1F", L"0x2E"},
+       false},
       {"bool",
        [] { return Make<CCvarBool>(L"View", L"Off,On", 0, kNoFlags, L"", 0u, kCopies); },
        {L"OFF", L"ON"}},
@@ -74,16 +134,20 @@ const std::vector<Class>& Classes() {
        {L"255", L"65280"}},
       {"string",
        [] { return Make<CCvarString>(L"Label", L"", 64, kNoFlags, L"", 0u, kCopies); },
-       {L"first trace", L"second trace"}},
+       {L"first trace", L"second trace"},
+       false},
       {"object_name",
        [] { return Make<CCvarObjectName>(L"Trace", L"", 64, kNoFlags, L"", 0u, kCopies); },
-       {L"first trace", L"second trace"}},
+       {L"first trace", L"second trace"},
+       false},
       {"bit_pattern_64",
        [] { return MakeBits(64); },
-       {std::wstring(64, L'0'), std::wstring(64, L'1')}},
+       {std::wstring(64, L'0'), std::wstring(64, L'1')},
+       false},
       {"bit_pattern_4096",
        [] { return MakeBits(4096); },
-       {std::wstring(4096, L'0'), std::wstring(4096, L'1')}},
+       {std::wstring(4096, L'0'), std::wstring(4096, L'1')},
+       false},
       {"array_1000x4",
        [] {
          CComPtr<CvarObject<CCvarSafeArray>> cvar = CvarObject<CCvarSafeArray>::Create();
@@ -91,7 +155,8 @@ const std::vector<Class>& Classes() {
          (void)cvar->SetRange(std::vector<SColRangeDesc>(4, {VT_R8, -10.0, 10.0, 0.001}));
          return Cvar(cvar);
        },
-       {TableText(1000, L'1'), TableText(1000, L'2')}},
+       {TableText(1000, L'1'), TableText(1000, L'2')},
+       false},
   };
   return classes;
 }
@@ -156,6 +221,17 @@ void ReadProperties(benchmark::State& state, const Class& kind) {
   }
 }
 
+// Up and down in turn, so that every step is a change.
+void Step(benchmark::State& state, const Class& kind) {
+  const Cvar cvar = kind.make();
+  (void)cvar->SetRequestedValueFromStringRemote(kind.texts[0].c_str());
+  int direction = 1;
+  for (auto _ : state) {
+    if (FAILED(cvar->Increment(direction))) state.SkipWithError("no step");
+    direction = -direction;
+  }
+}
+
 /// Counts its calls.
 class Counter final : public IVorCvarEventSink {
  public:
@@ -201,6 +277,7 @@ int main(int argc, char** argv) {
                                    [run, &kind](benchmark::State& state) { run(state, kind); });
     };
     add("class_set_text", SetText);
+    if (kind.steps) add("class_increment", Step);
     add("class_screen_text", ReadText<&IVorCvar::GetAdaptedValueStringScreen>);
     add("class_get_variant", ReadVariant);
     add("class_put_variant", SetVariant);
