@@ -4,38 +4,12 @@
 
 #include <string>
 
-#include "instrument/model/Oscilloscope.h"
-#include "instrument/remote/BagCommands.h"
-#include "instrument/remote/Session.h"
-#include "instrument/remote/StandardCommands.h"
-#include "tests/support/IsolatedHome.h"
-#include "tests/support/KnownNotifier.h"
+#include "tests/instrument/model/ScopeFixture.h"
 
 namespace cvars::model {
 namespace {
 
-/// The oscilloscope as its remote clients see it.
-class AcquisitionTest : public testing::Test {
- protected:
-  AcquisitionTest() {
-    remote::AddStandardCommands(m_table);
-    for (const CComPtr<CCvarBag>& bag : m_scope.Bags()) {
-      EXPECT_EQ(remote::AddBagCommands(m_table, *bag), S_OK);
-    }
-  }
-
-  std::string Ask(const std::string& line) { return m_session.Execute(line); }
-  int TakeError() { return static_cast<int>(m_session.Status().TakeError()); }
-
- private:
-  test::IsolatedHome m_home;
-  // The process keeps the notifier that is there first, and the other tests wait for theirs.
-  [[maybe_unused]] IVorAsynchronousCvarNotifier* const m_notifier = test::KnownNotifier();
-  Oscilloscope m_scope;
-  remote::CommandTable m_table;
-  remote::Device m_device{"", [this] { m_scope.Reset(); }};
-  remote::Session m_session{m_table, m_device};
-};
+using AcquisitionTest = ScopeFixture;
 
 TEST_F(AcquisitionTest, AutoSetupFitsScalesAndTriggerToTheSignal) {
   Ask("TRIGGER:MODE STOP;LEVEL 3;:CHANNEL2:OFFSET 5");

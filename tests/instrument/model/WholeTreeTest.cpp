@@ -1,7 +1,5 @@
 // Walks every setting of the instrument as a remote client would.
 
-#include <gtest/gtest.h>
-
 #include <map>
 #include <set>
 #include <string>
@@ -9,14 +7,9 @@
 #include <vector>
 
 #include "CComBSTR.h"
-#include "CCvarBag.h"
 #include "IVorCvar.h"
-#include "instrument/model/Oscilloscope.h"
-#include "instrument/remote/BagCommands.h"
-#include "instrument/remote/Session.h"
-#include "instrument/remote/StandardCommands.h"
 #include "instrument/remote/WireText.h"
-#include "tests/support/IsolatedHome.h"
+#include "tests/instrument/model/ScopeFixture.h"
 
 namespace cvars::remote {
 namespace {
@@ -60,12 +53,10 @@ std::string Wire(const CComBSTR& text) {
   return wire;
 }
 
-class WholeTree : public testing::Test {
+class WholeTree : public model::ScopeFixture {
  protected:
   WholeTree() {
-    AddStandardCommands(m_table);
     for (const CComPtr<CCvarBag>& bag : m_scope.Bags()) {
-      EXPECT_EQ(AddBagCommands(m_table, *bag), S_OK);
       std::string bagName;
       AppendToWire(bag->Name(), bagName);
       for (std::size_t i = 0; i < bag->Count(); ++i) {
@@ -94,17 +85,11 @@ class WholeTree : public testing::Test {
   }
 
   std::string Ask(const std::string& line) {
-    std::string answer = m_session.Execute(line);
+    std::string answer = ScopeFixture::Ask(line);
     if (!answer.empty() && answer.back() == '\n') answer.pop_back();
     return answer;
   }
-  int TakeError() { return static_cast<int>(m_session.Status().TakeError()); }
 
-  test::IsolatedHome m_home;
-  model::Oscilloscope m_scope;
-  CommandTable m_table;
-  Device m_device;
-  Session m_session{m_table, m_device};
   std::vector<Setting> m_settings;
 };
 

@@ -7,12 +7,10 @@
 #include <vector>
 
 #include "CComPtr.h"
-#include "CCvarBag.h"
 #include "CCvarDouble.h"
 #include "CvarObject.h"
 #include "instrument/remote/CvarAdapter.h"
-#include "instrument/remote/Session.h"
-#include "tests/support/IsolatedHome.h"
+#include "tests/instrument/remote/SessionFixture.h"
 
 namespace cvars::remote {
 namespace {
@@ -27,40 +25,22 @@ CComPtr<Double> MakeDouble(const wchar_t* name, double min, double max, double g
   return cvar;
 }
 
-class BagCommandsTest : public testing::Test {
+class BagCommandsTest : public SessionFixture {
  protected:
   BagCommandsTest() {
-    const CComPtr<CCvarBag> bag = CCvarBag::Create(L"My Bag", nullptr);
-    Add(*bag, MakeDouble(L"Voltage", -5, 5, 0.01, L"V"));
-    Add(*bag, MakeDouble(L"Trigger Level|trig level", 0, 10, 1, L""));
-    Add(*bag, MakeDouble(L"Resistance", 1, 1e9, 1, L"OHM"));
-    Add(*bag, MakeDouble(L"Frequency", 0, 1e9, 1, L"HZ"));
-    Add(*bag, MakeDouble(L"Screen Unit", 0, 1e9, 1, L"Hz"));
-    Add(*bag, MakeDouble(L"Locked", 0, 10, 1, L"V", CVARFLAG_READONLY));
-    Add(*bag, MakeDouble(L"Panel", 0, 10, 1, L"V", CVARFLAG_GUIONLY));
-    Add(*bag, MakeDouble(L"Hidden", 0, 10, 1, L"V", CVARFLAG_HIDDEN));
-    EXPECT_EQ(AddBagCommands(m_table, *bag), S_OK);
+    AddBag(L"My Bag", {MakeDouble(L"Voltage", -5, 5, 0.01, L"V"),
+                       MakeDouble(L"Trigger Level|trig level", 0, 10, 1, L""),
+                       MakeDouble(L"Resistance", 1, 1e9, 1, L"OHM"),
+                       MakeDouble(L"Frequency", 0, 1e9, 1, L"HZ"),
+                       MakeDouble(L"Screen Unit", 0, 1e9, 1, L"Hz"),
+                       MakeDouble(L"Locked", 0, 10, 1, L"V", CVARFLAG_READONLY),
+                       MakeDouble(L"Panel", 0, 10, 1, L"V", CVARFLAG_GUIONLY),
+                       MakeDouble(L"Hidden", 0, 10, 1, L"V", CVARFLAG_HIDDEN)});
   }
-
-  static void Add(CCvarBag& bag, const CComPtr<Double>& cvar) { ASSERT_EQ(bag.Add(cvar), S_OK); }
-
-  std::string Ask(const std::string& line) { return m_session.Execute(line); }
-  int TakeError() { return static_cast<int>(m_session.Status().TakeError()); }
-
- private:
-  test::IsolatedHome m_home;
-  CommandTable m_table;
-  Device m_device;
-  Session m_session{m_table, m_device};
-};
-
-struct ValueCase {
-  const char* command;
-  const char* answer;
 };
 
 // Steps: 0.01 for the voltage, 1 for everything else.
-constexpr ValueCase kValueCases[] = {
+constexpr AnswerCase kAnswerCases[] = {
     {"MY_BAG:VOLTAGE 2.5;VOLTAGE?", "2.5\n"},
     {"my_bag:voltage 2.5;Voltage?", "2.5\n"},
     {"MY_BAG:VOLTAGE 1.234 V;VOLTAGE?", "1.23\n"},
@@ -88,19 +68,9 @@ constexpr ValueCase kValueCases[] = {
     {"MY_BAG:HIDDEN 4;HIDDEN?", "4\n"},
 };
 
-TEST_F(BagCommandsTest, SetAndQuery) {
-  for (const ValueCase& row : kValueCases) {
-    EXPECT_EQ(Ask(row.command), row.answer) << row.command;
-    EXPECT_EQ(TakeError(), 0) << row.command;
-  }
-}
+TEST_F(BagCommandsTest, SetAndQuery) { ExpectAnswers(kAnswerCases); }
 
-struct RefusalCase {
-  const char* command;
-  int error;
-};
-
-constexpr RefusalCase kRefusalCases[] = {
+constexpr RefusedCase kRefusedCases[] = {
     {"MY_BAG:NOTHING 1", -113},      {"NO_BAG:VOLTAGE 1", -113},
     {"MY_BAG:PANEL 1", -113},        {"MY_BAG:PANEL?", -113},
     {"MY_BAG2:VOLTAGE 1", -114},     {"MY_BAG:VOLTAGE", -109},
@@ -118,12 +88,7 @@ constexpr RefusalCase kRefusalCases[] = {
 };
 
 TEST_F(BagCommandsTest, RefusalChangesNothing) {
-  for (const RefusalCase& row : kRefusalCases) {
-    EXPECT_EQ(Ask(row.command), "") << row.command;
-    EXPECT_EQ(TakeError(), row.error) << row.command;
-    EXPECT_EQ(TakeError(), 0) << row.command;
-  }
-  EXPECT_EQ(Ask("MY_BAG:VOLTAGE?;LOCKED?"), "1;1\n");
+  ExpectRefusals(kRefusedCases, "MY_BAG:VOLTAGE?;LOCKED?", "1;1\n");
 }
 
 struct ResultCase {

@@ -1,53 +1,29 @@
-#include <gtest/gtest.h>
-
-#include <string>
-
-#include "CCvarBag.h"
 #include "CCvarBool.h"
 #include "CCvarColor.h"
 #include "CCvarEnum.h"
 #include "CvarObject.h"
-#include "instrument/model/Oscilloscope.h"
-#include "instrument/remote/BagCommands.h"
-#include "instrument/remote/Session.h"
+#include "tests/instrument/model/ScopeFixture.h"
 
 namespace cvars::remote {
 namespace {
 
 constexpr CVARREPLICATIONFLAGS kReplication = REPLICATE_VALUE | REPLICATE_REQUESTED;
 
-class ChoiceAdapterTest : public testing::Test {
+class ChoiceAdapterTest : public SessionFixture {
  protected:
   ChoiceAdapterTest() {
-    const CComPtr<CCvarBag> bag = CCvarBag::Create(L"Bag", nullptr);
     m_mode->Initialize(L"Mode", L"Auto,Normal|Norm|NORM,20 MHz|20MHz|20MHZ,a b|a|A B", 0,
                        CVARFLAGS(0), nullptr, 0, kReplication, 0);
     m_switch->Initialize(L"Switch", L"Aus,Ein", 0, CVARFLAGS(0), nullptr, 0, kReplication);
     m_color->Initialize(L"Color", 0x00AB10, CVARFLAGS(0), nullptr, 0, kReplication);
-    for (CvarCore* cvar : {static_cast<CvarCore*>(m_mode.p), static_cast<CvarCore*>(m_switch.p),
-                           static_cast<CvarCore*>(m_color.p)}) {
-      EXPECT_EQ(bag->Add(cvar), S_OK);
-    }
-    EXPECT_EQ(AddBagCommands(m_table, *bag), S_OK);
+    AddBag(L"Bag", {m_mode, m_switch, m_color});
   }
-
-  std::string Ask(const std::string& line) { return m_session.Execute(line); }
-  int TakeError() { return static_cast<int>(m_session.Status().TakeError()); }
 
   const CComPtr<CvarObject<CCvarEnum>> m_mode = CvarObject<CCvarEnum>::Create();
   const CComPtr<CvarObject<CCvarBool>> m_switch = CvarObject<CCvarBool>::Create();
   const CComPtr<CvarObject<CCvarColor>> m_color = CvarObject<CCvarColor>::Create();
-
- private:
-  CommandTable m_table;
-  Device m_device;
-  Session m_session{m_table, m_device};
 };
 
-struct AnswerCase {
-  const char* command;
-  const char* answer;
-};
 constexpr AnswerCase kAnswerCases[] = {
     {"BAG:MODE?", "AUTO\n"},
     {"BAG:MODE NORM;MODE?", "NORM\n"},
@@ -75,18 +51,9 @@ constexpr AnswerCase kAnswerCases[] = {
 };
 
 TEST_F(ChoiceAdapterTest, ClientsWriteAndReadTheirOwnSpelling) {
-  for (const AnswerCase& row : kAnswerCases) {
-    SCOPED_TRACE(row.command);
-    Ask("BAG:MODE DEF;SWITCH DEF;COLOR DEF");
-    EXPECT_EQ(Ask(row.command), row.answer);
-    EXPECT_EQ(TakeError(), 0);
-  }
+  ExpectAnswers(kAnswerCases, "BAG:MODE DEF;SWITCH DEF;COLOR DEF");
 }
 
-struct RefusedCase {
-  const char* command;
-  int error;
-};
 constexpr RefusedCase kRefusedCases[] = {
     {"BAG:MODE FAST", -224},     {"BAG:MODE 'fast'", -224}, {"BAG:MODE 7", -224},
     {"BAG:MODE", -109},          {"BAG:MODE AUTO,1", -108}, {"BAG:MODE #H1", -104},
@@ -98,12 +65,7 @@ constexpr RefusedCase kRefusedCases[] = {
 };
 
 TEST_F(ChoiceAdapterTest, RefusalsChangeNothing) {
-  for (const RefusedCase& row : kRefusedCases) {
-    SCOPED_TRACE(row.command);
-    Ask(row.command);
-    EXPECT_EQ(TakeError(), row.error);
-    EXPECT_EQ(Ask("BAG:MODE?;SWITCH?;COLOR?"), "AUTO;0;#H00AB10\n");
-  }
+  ExpectRefusals(kRefusedCases, "BAG:MODE?;SWITCH?;COLOR?", "AUTO;0;#H00AB10\n");
 }
 
 TEST_F(ChoiceAdapterTest, ADisabledChoiceIsASettingsConflict) {
@@ -132,22 +94,7 @@ TEST_F(ChoiceAdapterTest, NoChoiceAtAllIsAnsweredByAWord) {
   EXPECT_EQ(Ask("BAG:MODE?"), "NONE\n");
 }
 
-class ScopeChoicesTest : public testing::Test {
- protected:
-  ScopeChoicesTest() {
-    for (const CComPtr<CCvarBag>& bag : m_scope.Bags()) {
-      EXPECT_EQ(AddBagCommands(m_table, *bag), S_OK);
-    }
-  }
-  std::string Ask(const std::string& line) { return m_session.Execute(line); }
-  int TakeError() { return static_cast<int>(m_session.Status().TakeError()); }
-
- private:
-  model::Oscilloscope m_scope;
-  CommandTable m_table;
-  Device m_device;
-  Session m_session{m_table, m_device};
-};
+using ScopeChoicesTest = model::ScopeFixture;
 
 TEST_F(ScopeChoicesTest, EveryChoiceOfTheScopeIsACommand) {
   EXPECT_EQ(Ask("TRIGGER:MODE NORM;SOURCE C3;MODE?;SOURCE?"), "NORM;C3\n");

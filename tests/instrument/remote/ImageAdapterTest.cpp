@@ -1,31 +1,21 @@
-#include <gtest/gtest.h>
-
 #include <string>
 
-#include "CCvarBag.h"
 #include "CCvarImage.h"
 #include "CvarObject.h"
-#include "instrument/remote/BagCommands.h"
-#include "instrument/remote/Session.h"
-#include "tests/support/IsolatedHome.h"
+#include "tests/instrument/remote/SessionFixture.h"
 
 namespace cvars::remote {
 namespace {
 
-class ImageAdapterTest : public testing::Test {
+class ImageAdapterTest : public SessionFixture {
  protected:
   ImageAdapterTest() {
-    const CComPtr<CCvarBag> bag = CCvarBag::Create(L"Screen", nullptr);
     const auto image = CvarObject<CCvarImage>::Create();
     image->Initialize(L"Image", 0, CVARFLAGS(0), nullptr, 0, REPLICATE_VALUE);
     HBITMAP bitmap = nullptr;
     EXPECT_EQ(image->CreateBitmap(2, 1, &bitmap), S_OK);
-    EXPECT_EQ(bag->Add(image), S_OK);
-    EXPECT_EQ(AddBagCommands(m_table, *bag), S_OK);
+    AddBag(L"Screen", {image});
   }
-
-  std::string Ask(const std::string& line) { return m_session.Execute(line); }
-  int TakeError() { return static_cast<int>(m_session.Status().TakeError()); }
 
   // A BMP file of 2 x 1 pixels of 32 bits: 14 + 40 bytes of headers and 8 of pixels.
   static std::string FileOf(char blue) {
@@ -35,12 +25,6 @@ class ImageAdapterTest : public testing::Test {
     for (int pixel = 0; pixel < 2; ++pixel) file += std::string({blue, 0, 0, '\xff'});
     return file;
   }
-
- private:
-  test::IsolatedHome m_home;
-  CommandTable m_table;
-  Device m_device;
-  Session m_session{m_table, m_device};
 };
 
 TEST_F(ImageAdapterTest, QueryAnswersWithABmpFileAsABlock) {
@@ -52,10 +36,6 @@ TEST_F(ImageAdapterTest, BlockReplacesThePicture) {
   EXPECT_EQ(TakeError(), 0);
 }
 
-struct RefusedCase {
-  const char* command;
-  int error;
-};
 constexpr RefusedCase kRefusedCases[] = {
     {"SCREEN:IMAGE #15hello", -224}, {"SCREEN:IMAGE 'C:\\none.bmp'", -224},
     {"SCREEN:IMAGE 5", -104},        {"SCREEN:IMAGE word", -104},
@@ -63,12 +43,7 @@ constexpr RefusedCase kRefusedCases[] = {
 };
 
 TEST_F(ImageAdapterTest, RefusalsKeepThePicture) {
-  for (const RefusedCase& row : kRefusedCases) {
-    SCOPED_TRACE(row.command);
-    Ask(row.command);
-    EXPECT_EQ(TakeError(), row.error);
-    EXPECT_EQ(Ask("SCREEN:IMAGE?"), "#262" + FileOf(0) + "\n");
-  }
+  ExpectRefusals(kRefusedCases, "SCREEN:IMAGE?", "#262" + FileOf(0) + "\n");
 }
 
 }  // namespace

@@ -3,15 +3,12 @@
 #include <string>
 
 #include "CCvarAction.h"
-#include "CCvarBag.h"
 #include "CCvarBitPattern.h"
 #include "CCvarObject.h"
 #include "CCvarRegister.h"
 #include "CvarObject.h"
-#include "instrument/remote/BagCommands.h"
-#include "instrument/remote/Session.h"
 #include "instrument/remote/StandardCommands.h"
-#include "tests/support/IsolatedHome.h"
+#include "tests/instrument/remote/SessionFixture.h"
 #include "tests/support/RecordingListener.h"
 
 namespace cvars::remote {
@@ -19,11 +16,10 @@ namespace {
 
 constexpr CVARREPLICATIONFLAGS kReplication = REPLICATE_VALUE | REPLICATE_REQUESTED;
 
-class StructuredAdapterTest : public testing::Test {
+class StructuredAdapterTest : public SessionFixture {
  protected:
   StructuredAdapterTest() {
     AddStandardCommands(m_table);
-    const CComPtr<CCvarBag> bag = CCvarBag::Create(L"Bag", nullptr);
     const auto pattern = CvarObject<CCvarBitPattern>::Create();
     pattern->Initialize(L"Pattern", L"X10X", 8, 4, BITPATTERN_FORMAT_BIN, L"01X", L'0',
                         BITPATTERN_PAD_LEFT, BITPATTERN_SIZE_BIT_FIX, CVARFLAGS(0), nullptr, 0,
@@ -41,33 +37,14 @@ class StructuredAdapterTest : public testing::Test {
     const auto object = CvarObject<CCvarObject<IUnknown>>::Create();
     object->Initialize(L"Object", CVARFLAGS(0), true, kReplication);
     EXPECT_EQ(object->put_Value(CComVariant(static_cast<IUnknown*>(m_listener.p))), S_OK);
-    for (cvars::CvarCore* cvar :
-         {static_cast<cvars::CvarCore*>(pattern), static_cast<cvars::CvarCore*>(control),
-          static_cast<cvars::CvarCore*>(status), static_cast<cvars::CvarCore*>(locked),
-          static_cast<cvars::CvarCore*>(m_action), static_cast<cvars::CvarCore*>(object)}) {
-      EXPECT_EQ(bag->Add(cvar), S_OK);
-    }
-    EXPECT_EQ(AddBagCommands(m_table, *bag), S_OK);
+    AddBag(L"Bag", {pattern, control, status, locked, m_action, object});
   }
-
-  std::string Ask(const std::string& line) { return m_session.Execute(line); }
-  int TakeError() { return static_cast<int>(m_session.Status().TakeError()); }
 
   CComPtr<test::RecordingListener> m_listener = test::RecordingListener::Create();
   CComPtr<CvarObject<CCvarAction>> m_action = CvarObject<CCvarAction>::Create();
-
- private:
-  test::IsolatedHome m_home;
-  CommandTable m_table;
-  Device m_device;
-  Session m_session{m_table, m_device};
 };
 
-struct AskCase {
-  const char* command;
-  const char* answer;
-};
-constexpr AskCase kAskCases[] = {
+constexpr AnswerCase kAnswerCases[] = {
     {"BAG:PATTERN?", "\"X10X\"\n"},
     {"BAG:PATTERN '1x0 x';PATTERN?", "\"1X0X\"\n"},
     {"BAG:PATTERN \"1100\";PATTERN?", "#B1100\n"},
@@ -91,18 +68,9 @@ constexpr AskCase kAskCases[] = {
 };
 
 TEST_F(StructuredAdapterTest, PatternsAndRegistersTravelAsTextsOrNumbers) {
-  for (const AskCase& row : kAskCases) {
-    SCOPED_TRACE(row.command);
-    Ask("BAG:PATTERN DEF;CONTROL DEF");
-    EXPECT_EQ(Ask(row.command), row.answer);
-    EXPECT_EQ(TakeError(), 0);
-  }
+  ExpectAnswers(kAnswerCases, "BAG:PATTERN DEF;CONTROL DEF");
 }
 
-struct RefusedCase {
-  const char* command;
-  int error;
-};
 constexpr RefusedCase kRefusedCases[] = {
     {"BAG:PATTERN '12'", -224},
     {"BAG:PATTERN", -109},
@@ -134,12 +102,7 @@ constexpr RefusedCase kRefusedCases[] = {
 };
 
 TEST_F(StructuredAdapterTest, RefusalsChangeNothing) {
-  for (const RefusedCase& row : kRefusedCases) {
-    SCOPED_TRACE(row.command);
-    EXPECT_EQ(Ask(row.command), "");
-    EXPECT_EQ(TakeError(), row.error);
-    EXPECT_EQ(Ask("BAG:PATTERN?;CONTROL?;STATUS?"), "\"X10X\";#H10;#H81\n");
-  }
+  ExpectRefusals(kRefusedCases, "BAG:PATTERN?;CONTROL?;STATUS?", "\"X10X\";#H10;#H81\n");
   EXPECT_TRUE(m_listener->masks.empty());
 }
 
