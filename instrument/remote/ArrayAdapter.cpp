@@ -1,4 +1,4 @@
-// Tables as texts in quotes or as definite-length blocks, and DEFault.
+// Tables as texts in quotes or as definite-length blocks.
 
 #include <string>
 
@@ -11,25 +11,6 @@ namespace {
 
 class TableAdapter final : public CvarAdapter {
  public:
-  ScpiError Set(IVorCvar& cvar, const CommandCall& call) const override {
-    if (const ScpiError error = CheckParameterCount(call, 1, 1); error != ScpiError::kNone) {
-      return error;
-    }
-    const Parameter& parameter = call.unit.parameters.front();
-    if (parameter.kind == Parameter::Kind::kWord && IsMnemonic("DEFault", parameter.text)) {
-      return ErrorOf(cvar.SetToDefault());
-    }
-    std::wstring text;
-    if (parameter.kind == Parameter::Kind::kString) {
-      text = FromWire(Unquote(parameter.text));
-    } else if (parameter.kind == Parameter::Kind::kBlock) {
-      text = FromWire(parameter.text);
-    } else {
-      return ScpiError::kDataTypeError;
-    }
-    return ErrorOf(cvar.SetRequestedValueFromStringRemote(text.c_str()));
-  }
-
   // "MASK:POINTS? BLOCK" answers with a block.
   ScpiError Query(IVorCvar& cvar, const CommandCall& call, std::string& answer) const override {
     ScpiError error = CheckParameterCount(call, 0, 1);
@@ -49,6 +30,19 @@ class TableAdapter final : public CvarAdapter {
       AppendQuoted(text, answer);
     }
     return error;
+  }
+
+ protected:
+  ScpiError SetValue(IVorCvar& cvar, const Parameter& parameter) const override {
+    std::wstring text;
+    if (parameter.kind == Parameter::Kind::kString) {
+      text = FromWire(Unquote(parameter.text));
+    } else if (parameter.kind == Parameter::Kind::kBlock) {
+      text = FromWire(parameter.text);
+    } else {
+      return ScpiError::kDataTypeError;
+    }
+    return ErrorOf(cvar.SetRequestedValueFromStringRemote(text.c_str()));
   }
 };
 

@@ -1,10 +1,8 @@
-// Bit patterns: texts in quotes, numbers, and DEFault. What is no plain number is answered in
-// quotes.
+// Bit patterns: texts in quotes and numbers. What is no plain number is answered in quotes.
 
 #include <string>
 #include <string_view>
 
-#include "CComBSTR.h"
 #include "CComPtr.h"
 #include "IVorCvarBitPattern.h"
 #include "instrument/remote/CvarAdapters.h"
@@ -18,18 +16,11 @@ namespace {
 constexpr unsigned kAllBits = 0xFFFFFFFF;
 
 class PatternAdapter final : public CvarAdapter {
- public:
-  ScpiError Set(IVorCvar& cvar, const CommandCall& call) const override {
-    if (const ScpiError error = CheckParameterCount(call, 1, 1); error != ScpiError::kNone) {
-      return error;
-    }
-    const Parameter& parameter = call.unit.parameters.front();
+ protected:
+  ScpiError SetValue(IVorCvar& cvar, const Parameter& parameter) const override {
     switch (parameter.kind) {
       case Parameter::Kind::kString:
         return SetText(cvar, Unquote(parameter.text));
-      case Parameter::Kind::kWord:
-        return IsMnemonic("DEFault", parameter.text) ? ErrorOf(cvar.SetToDefault())
-                                                     : ScpiError::kDataTypeError;
       case Parameter::Kind::kNonDecimal:
         return SetNonDecimal(cvar, parameter);
       case Parameter::Kind::kNumber:
@@ -39,10 +30,9 @@ class PatternAdapter final : public CvarAdapter {
     }
   }
 
-  ScpiError Query(IVorCvar& cvar, const CommandCall& call, std::string& answer) const override {
+  ScpiError AppendValue(IVorCvar& cvar, std::string& answer) const override {
     std::string bits;
-    ScpiError error = CheckParameterCount(call, 0, 0);
-    if (error == ScpiError::kNone) error = AppendValue(cvar, bits);
+    const ScpiError error = CvarAdapter::AppendValue(cvar, bits);
     if (error != ScpiError::kNone) return error;
     const bool isNumber = !bits.empty() && bits.find_first_not_of("01") == bits.npos;
     answer += isNumber ? "#B" + bits : '"' + bits + '"';

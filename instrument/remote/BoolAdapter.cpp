@@ -25,16 +25,11 @@ ScpiError Switch(IVorCvar& cvar, int wanted) {
 }
 
 class SwitchAdapter final : public CvarAdapter {
- public:
-  ScpiError Set(IVorCvar& cvar, const CommandCall& call) const override {
-    if (const ScpiError error = CheckParameterCount(call, 1, 1); error != ScpiError::kNone) {
-      return error;
-    }
-    const Parameter& parameter = call.unit.parameters.front();
+ protected:
+  ScpiError SetValue(IVorCvar& cvar, const Parameter& parameter) const override {
     if (parameter.kind == Parameter::Kind::kWord) {
       if (IsMnemonic("ON", parameter.text)) return Switch(cvar, 1);
       if (IsMnemonic("OFF", parameter.text)) return Switch(cvar, 0);
-      if (IsMnemonic("DEFault", parameter.text)) return ErrorOf(cvar.SetToDefault());
       return ScpiError::kIllegalParameterValue;
     }
     unsigned number = 0;
@@ -43,10 +38,7 @@ class SwitchAdapter final : public CvarAdapter {
     return error == ScpiError::kNone ? Switch(cvar, static_cast<int>(number)) : error;
   }
 
-  ScpiError Query(IVorCvar& cvar, const CommandCall& call, std::string& answer) const override {
-    if (const ScpiError error = CheckParameterCount(call, 0, 0); error != ScpiError::kNone) {
-      return error;
-    }
+  ScpiError AppendValue(IVorCvar& cvar, std::string& answer) const override {
     CComPtr<IVorCvarBool> state;
     int value = 0;
     HRESULT result = AsBool(cvar, state);

@@ -2,7 +2,6 @@
 
 #include <string>
 
-#include "CComBSTR.h"
 #include "CComPtr.h"
 #include "IVorCvarColor.h"
 #include "instrument/remote/CvarAdapters.h"
@@ -14,20 +13,13 @@ namespace cvars::remote {
 namespace {
 
 class HexadecimalColorAdapter final : public CvarAdapter {
- public:
-  ScpiError Set(IVorCvar& cvar, const CommandCall& call) const override {
-    if (const ScpiError error = CheckParameterCount(call, 1, 1); error != ScpiError::kNone) {
-      return error;
-    }
-    const Parameter& parameter = call.unit.parameters.front();
+ protected:
+  ScpiError SetValue(IVorCvar& cvar, const Parameter& parameter) const override {
     if (parameter.kind == Parameter::Kind::kString) {
       const std::wstring text = FromWire(Unquote(parameter.text));
       return ErrorOf(cvar.SetRequestedValueFromStringRemote(text.c_str()));
     }
-    if (parameter.kind == Parameter::Kind::kWord) {
-      return IsMnemonic("DEFault", parameter.text) ? ErrorOf(cvar.SetToDefault())
-                                                   : ScpiError::kIllegalParameterValue;
-    }
+    if (parameter.kind == Parameter::Kind::kWord) return ScpiError::kIllegalParameterValue;
     constexpr unsigned kWhite = 0xFFFFFF;
     unsigned number = 0;
     if (const ScpiError error = ReadWholeNumber(parameter, kWhite, number);
@@ -39,10 +31,9 @@ class HexadecimalColorAdapter final : public CvarAdapter {
     return ErrorOf(found == S_OK ? color->SetRequestedValue(static_cast<int>(number)) : found);
   }
 
-  ScpiError Query(IVorCvar& cvar, const CommandCall& call, std::string& answer) const override {
+  ScpiError AppendValue(IVorCvar& cvar, std::string& answer) const override {
     std::string digits;
-    ScpiError error = CheckParameterCount(call, 0, 0);
-    if (error == ScpiError::kNone) error = AppendValue(cvar, digits);
+    const ScpiError error = CvarAdapter::AppendValue(cvar, digits);
     if (error != ScpiError::kNone) return error;
     answer += "#H";
     for (const char digit : digits) answer += ToUpper(digit);

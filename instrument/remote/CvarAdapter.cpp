@@ -42,7 +42,16 @@ ScpiError CvarAdapter::Set(IVorCvar& cvar, const CommandCall& call) const {
   if (const ScpiError error = CheckParameterCount(call, 1, 1); error != ScpiError::kNone) {
     return error;
   }
-  const Parameter& parameter = call.unit.parameters.front();
+  return SetParameter(cvar, call.unit.parameters.front());
+}
+
+ScpiError CvarAdapter::SetParameter(IVorCvar& cvar, const Parameter& parameter) const {
+  const bool isDefault =
+      parameter.kind == Parameter::Kind::kWord && IsMnemonic("DEFault", parameter.text);
+  return isDefault ? ErrorOf(cvar.SetToDefault()) : SetValue(cvar, parameter);
+}
+
+ScpiError CvarAdapter::SetValue(IVorCvar& cvar, const Parameter& parameter) const {
   const std::wstring text = parameter.kind == Parameter::Kind::kString
                                 ? FromWire(Unquote(parameter.text))
                                 : FromWire(parameter.text);
@@ -54,7 +63,7 @@ ScpiError CvarAdapter::Query(IVorCvar& cvar, const CommandCall& call, std::strin
   return error == ScpiError::kNone ? AppendValue(cvar, answer) : error;
 }
 
-ScpiError CvarAdapter::AppendValue(IVorCvar& cvar, std::string& answer) {
+ScpiError CvarAdapter::AppendValue(IVorCvar& cvar, std::string& answer) const {
   CComBSTR text;
   const ScpiError error = ErrorOf(cvar.GetAdaptedValueStringRemoteNoUnit(&text));
   if (error == ScpiError::kNone) AppendToWire(text.View(), answer);

@@ -12,19 +12,25 @@ namespace cvars::remote {
 ///
 /// What the command language writes in its own way is translated in the adapter of the type, so
 /// that the cvars need to know nothing of it. This class serves every type whose remote text needs
-/// no translation: it hands the parameter over as a text and answers with the remote text.
+/// no translation, an object's for example: it hands the parameter over as a text and answers with
+/// the remote text.
 class CvarAdapter {
  public:
   virtual ~CvarAdapter() = default;
-  /// Runs `BAG:CVAR parameters`.
+  /// Runs `BAG:CVAR parameter`.
   virtual ScpiError Set(IVorCvar& cvar, const CommandCall& call) const;
-  /// Runs `BAG:CVAR? parameters`.
+  /// Runs `BAG:CVAR? parameters`; this one takes none.
   /// @param answer  is appended to.
   virtual ScpiError Query(IVorCvar& cvar, const CommandCall& call, std::string& answer) const;
 
  protected:
-  /// Appends the cvar's remote text without unit.
-  static ScpiError AppendValue(IVorCvar& cvar, std::string& answer);
+  /// Does what the one parameter asks for: DEFault brings the default back, and everything else
+  /// is a value.
+  virtual ScpiError SetParameter(IVorCvar& cvar, const Parameter& parameter) const;
+  /// Sets the value that a parameter names; this one hands its text over.
+  virtual ScpiError SetValue(IVorCvar& cvar, const Parameter& parameter) const;
+  /// Appends the value; this one appends the remote text without unit.
+  virtual ScpiError AppendValue(IVorCvar& cvar, std::string& answer) const;
 };
 
 /// The error that a remote client gets for a result code; kNone for success.

@@ -16,9 +16,9 @@ constexpr AdapterRow kAdapters[] = {
     {L"Double", NumberAdapter},       {L"DoubleLockstep", NumberAdapter},
     {L"Enum", EnumAdapter},           {L"FileName", TextAdapter},
     {L"Image", ImageAdapter},         {L"Integer", NumberAdapter},
-    {L"Long Integer", NumberAdapter}, {L"Object", ObjectAdapter},
-    {L"ObjectName", TextAdapter},     {L"Register", RegisterAdapter},
-    {L"SafeArray", ArrayAdapter},     {L"String", TextAdapter},
+    {L"Long Integer", NumberAdapter}, {L"ObjectName", TextAdapter},
+    {L"Register", RegisterAdapter},   {L"SafeArray", ArrayAdapter},
+    {L"String", TextAdapter},
 };
 
 }  // namespace

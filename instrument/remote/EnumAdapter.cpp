@@ -47,12 +47,9 @@ ScpiError Choose(IVorCvarEnum& choice, int index) {
 }
 
 class ChoiceAdapter final : public CvarAdapter {
- public:
-  ScpiError Set(IVorCvar& cvar, const CommandCall& call) const override {
-    if (const ScpiError error = CheckParameterCount(call, 1, 1); error != ScpiError::kNone) {
-      return error;
-    }
-    const Parameter& parameter = call.unit.parameters.front();
+ protected:
+  // What a choice is called goes before what the word means elsewhere.
+  ScpiError SetParameter(IVorCvar& cvar, const Parameter& parameter) const override {
     std::string text;
     if (parameter.kind == Parameter::Kind::kString) {
       text = Unquote(parameter.text);
@@ -68,17 +65,17 @@ class ChoiceAdapter final : public CvarAdapter {
     if (result == S_OK) result = choice->GetIndexOfStringName(FromWire(text).c_str(), &index);
     if (result != S_OK) return ErrorOf(result);
     if (index >= 0) return Choose(*choice, index);
+    return CvarAdapter::SetParameter(cvar, parameter);
+  }
+
+  ScpiError SetValue(IVorCvar& cvar, const Parameter& parameter) const override {
     if (parameter.kind != Parameter::Kind::kWord) return ScpiError::kIllegalParameterValue;
-    if (IsMnemonic("DEFault", text)) return ErrorOf(cvar.SetToDefault());
-    if (IsMnemonic("UP", text)) return ErrorOf(cvar.Increment(1));
-    if (IsMnemonic("DOWN", text)) return ErrorOf(cvar.Increment(-1));
+    if (IsMnemonic("UP", parameter.text)) return ErrorOf(cvar.Increment(1));
+    if (IsMnemonic("DOWN", parameter.text)) return ErrorOf(cvar.Increment(-1));
     return ScpiError::kIllegalParameterValue;
   }
 
-  ScpiError Query(IVorCvar& cvar, const CommandCall& call, std::string& answer) const override {
-    if (const ScpiError error = CheckParameterCount(call, 0, 0); error != ScpiError::kNone) {
-      return error;
-    }
+  ScpiError AppendValue(IVorCvar& cvar, std::string& answer) const override {
     CComBSTR text;
     const ScpiError error = ErrorOf(cvar.GetAdaptedValueStringRemote(&text));
     if (error == ScpiError::kNone) AppendSpelling(text.View(), answer);

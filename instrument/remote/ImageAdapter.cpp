@@ -6,19 +6,15 @@
 
 #include "Cvars.h"
 #include "instrument/remote/CvarAdapters.h"
-#include "instrument/remote/Syntax.h"
 #include "instrument/remote/WireText.h"
 
 namespace cvars::remote {
 namespace {
 
 class PictureAdapter final : public CvarAdapter {
- public:
-  ScpiError Set(IVorCvar& cvar, const CommandCall& call) const override {
-    if (const ScpiError error = CheckParameterCount(call, 1, 1); error != ScpiError::kNone) {
-      return error;
-    }
-    const Parameter& parameter = call.unit.parameters.front();
+ protected:
+  // A picture has no default.
+  ScpiError SetParameter(IVorCvar& cvar, const Parameter& parameter) const override {
     HBITMAP bitmap = nullptr;
     if (parameter.kind == Parameter::Kind::kBlock) {
       bitmap = platform::BitmapFromFileBytes(std::as_bytes(std::span(parameter.text)));
@@ -39,10 +35,7 @@ class PictureAdapter final : public CvarAdapter {
     return ErrorOf(image->LoadFromHandle(bitmap));
   }
 
-  ScpiError Query(IVorCvar& cvar, const CommandCall& call, std::string& answer) const override {
-    if (const ScpiError error = CheckParameterCount(call, 0, 0); error != ScpiError::kNone) {
-      return error;
-    }
+  ScpiError AppendValue(IVorCvar& cvar, std::string& answer) const override {
     const CComPtr<IVorCvarImage> image = ImageOf(cvar);
     HBITMAP bitmap = nullptr;
     if (image == nullptr || FAILED(image->GetBitmapHandle(&bitmap))) {

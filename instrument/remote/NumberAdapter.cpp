@@ -120,23 +120,20 @@ ScpiError AppendLimit(IVorCvar& cvar, const Parameter& parameter, std::string& a
 
 class NumericAdapter final : public CvarAdapter {
  public:
-  ScpiError Set(IVorCvar& cvar, const CommandCall& call) const override {
-    if (const ScpiError error = CheckParameterCount(call, 1, 1); error != ScpiError::kNone) {
-      return error;
-    }
-    const Parameter& parameter = call.unit.parameters.front();
-    if (parameter.kind == Parameter::Kind::kNumber) return SetNumber(cvar, parameter.text);
-    if (parameter.kind == Parameter::Kind::kNonDecimal) return SetNonDecimal(cvar, parameter);
-    if (parameter.kind != Parameter::Kind::kWord) return ScpiError::kDataTypeError;
-    const WordRow* const word = FindWord(parameter.text);
-    return word == nullptr ? ScpiError::kDataTypeError : ErrorOf(word->set(cvar));
-  }
-
   ScpiError Query(IVorCvar& cvar, const CommandCall& call, std::string& answer) const override {
     if (call.unit.parameters.empty()) return AppendValue(cvar, answer);
     const ScpiError error = CheckParameterCount(call, 0, 1);
     return error == ScpiError::kNone ? AppendLimit(cvar, call.unit.parameters.front(), answer)
                                      : error;
+  }
+
+ protected:
+  ScpiError SetParameter(IVorCvar& cvar, const Parameter& parameter) const override {
+    if (parameter.kind == Parameter::Kind::kNumber) return SetNumber(cvar, parameter.text);
+    if (parameter.kind == Parameter::Kind::kNonDecimal) return SetNonDecimal(cvar, parameter);
+    if (parameter.kind != Parameter::Kind::kWord) return ScpiError::kDataTypeError;
+    const WordRow* const word = FindWord(parameter.text);
+    return word == nullptr ? ScpiError::kDataTypeError : ErrorOf(word->set(cvar));
   }
 
  private:

@@ -1,4 +1,4 @@
-// Registers: #H, #Q, #B, decimal and &h numbers, and DEFault; answered as #H1F.
+// Registers: #H, #Q, #B, decimal and &h numbers; answered as #H1F.
 
 #include <charconv>
 #include <string>
@@ -18,30 +18,23 @@ constexpr unsigned kAllBits = 0xFFFFFFFF;
 constexpr int kHexadecimal = 16;
 
 class HexadecimalRegisterAdapter final : public CvarAdapter {
- public:
-  ScpiError Set(IVorCvar& cvar, const CommandCall& call) const override {
-    if (const ScpiError error = CheckParameterCount(call, 1, 1); error != ScpiError::kNone) {
-      return error;
-    }
+ protected:
+  ScpiError SetParameter(IVorCvar& cvar, const Parameter& parameter) const override {
     // A read-only register passes over what is written, which would leave the client in the dark.
     int isReadOnly = 0;
     if (cvar.IsReadOnly(&isReadOnly) == S_OK && isReadOnly != 0) {
       return ScpiError::kCommandProtected;
     }
-    const Parameter& parameter = call.unit.parameters.front();
-    if (parameter.kind == Parameter::Kind::kWord) {
-      return IsMnemonic("DEFault", parameter.text) ? ErrorOf(cvar.SetToDefault())
-                                                   : ScpiError::kDataTypeError;
-    }
+    return CvarAdapter::SetParameter(cvar, parameter);
+  }
+
+  ScpiError SetValue(IVorCvar& cvar, const Parameter& parameter) const override {
     unsigned number = 0;
     const ScpiError error = Read(parameter, number);
     return error == ScpiError::kNone ? ErrorOf(cvar.put_Value(CComVariant(number))) : error;
   }
 
-  ScpiError Query(IVorCvar& cvar, const CommandCall& call, std::string& answer) const override {
-    if (const ScpiError error = CheckParameterCount(call, 0, 0); error != ScpiError::kNone) {
-      return error;
-    }
+  ScpiError AppendValue(IVorCvar& cvar, std::string& answer) const override {
     CComPtr<IVorCvarRegister> offered;
     unsigned number = 0;
     HRESULT result = cvar.QueryInterface(IID_IVorCvarRegister, reinterpret_cast<void**>(&offered));

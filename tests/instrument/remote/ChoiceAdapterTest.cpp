@@ -89,6 +89,13 @@ TEST_F(ChoiceAdapterTest, AReadOnlySettingIsProtected) {
   }
 }
 
+TEST_F(ChoiceAdapterTest, AChoiceThatIsCalledLikeAWordIsChosenByIt) {
+  EXPECT_EQ(m_mode->SetRange(L"Low,Up,Def", 0, nullptr, 0, true), S_OK);
+  EXPECT_EQ(Ask("BAG:MODE DEF;MODE?;MODE DEFAULT;MODE?"), "DEF;LOW\n");
+  EXPECT_EQ(Ask("BAG:MODE UP;MODE?;MODE UP;MODE?"), "UP;UP\n");
+  EXPECT_EQ(TakeError(), 0);
+}
+
 TEST_F(ChoiceAdapterTest, NoChoiceAtAllIsAnsweredByAWord) {
   EXPECT_EQ(m_mode->DeleteAllValues(), S_OK);
   EXPECT_EQ(Ask("BAG:MODE?"), "NONE\n");

@@ -39,7 +39,8 @@ TEST_F(ImageAdapterTest, BlockReplacesThePicture) {
 constexpr RefusedCase kRefusedCases[] = {
     {"SCREEN:IMAGE #15hello", -224}, {"SCREEN:IMAGE 'C:\\none.bmp'", -224},
     {"SCREEN:IMAGE 5", -104},        {"SCREEN:IMAGE word", -104},
-    {"SCREEN:IMAGE", -109},          {"SCREEN:IMAGE? 1", -108},
+    {"SCREEN:IMAGE DEF", -104},      {"SCREEN:IMAGE", -109},
+    {"SCREEN:IMAGE? 1", -108},
 };
 
 TEST_F(ImageAdapterTest, RefusalsKeepThePicture) {
