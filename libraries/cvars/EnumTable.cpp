@@ -14,6 +14,7 @@ int EnumTable::CountEnabled() const noexcept {
 
 void EnumTable::Insert(Entry entry, int index) {
   if (!IsValid(index)) {
+    m_names.Withhold();
     m_entries.push_back(std::move(entry));
     return;
   }
@@ -49,7 +50,11 @@ bool EnumTable::SetSpelling(int index, Spelling spelling, std::wstring_view text
   return true;
 }
 
-void EnumTable::Swap(EnumTable& other) noexcept { std::swap(*this, other); }
+void EnumTable::Swap(EnumTable& other) noexcept {
+  m_entries.swap(other.m_entries);
+  ForgetLookUp();
+  other.ForgetLookUp();
+}
 
 void EnumTable::ForgetLookUp() noexcept {
   m_names.Clear();
@@ -79,6 +84,7 @@ int EnumTable::Find(std::wstring_view text) const {
     m_names.Add(strings.Automation().View(), m_namedEntries);
     m_names.Add(strings.Screen().View(), m_namedEntries);
   }
+  m_names.Publish();
   return m_names.Find(text);
 }
 

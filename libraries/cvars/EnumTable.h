@@ -15,7 +15,7 @@ namespace cvars {
 /// The ordered list of the entries of an enum. The index of an entry is its position.
 ///
 /// Not locked; its owner serialises access, that of reads too: a look-up may rebuild what it looks
-/// into.
+/// into. Only TryFind may run on any thread.
 class CVARS_API EnumTable {
  public:
   using Entry = std::unique_ptr<CCvarEnumValue>;
@@ -23,6 +23,10 @@ class CVARS_API EnumTable {
   static constexpr int kNone = FoldedTextIndex::kNone;
 
   enum class Spelling { kScreen, kAutomation, kRemote };
+
+  EnumTable() = default;
+  /// Takes the entries.
+  EnumTable(EnumTable&& other) noexcept { Swap(other); }
 
   int Count() const noexcept { return static_cast<int>(m_entries.size()); }
   /// Index of the last entry; -1 when there is none.
@@ -46,6 +50,7 @@ class CVARS_API EnumTable {
   /// Replaces one spelling of the entry at a valid index.
   /// @return whether it differed, case counting
   bool SetSpelling(int index, Spelling spelling, std::wstring_view text);
+  /// Exchanges the entries.
   void Swap(EnumTable& other) noexcept;
 
   // Look-up ------------------------------------------------------------------------------------
@@ -56,6 +61,11 @@ class CVARS_API EnumTable {
   /// remote, automation and screen spelling; a hash gives the same answer without the walk, and
   /// allocates nothing unless entries changed since the last look-up.
   int Find(std::wstring_view text) const;
+  /// The same without serialised access, whatever changes meanwhile.
+  /// @return whether it could be told; not so from a change of the spellings to the next Find
+  bool TryFind(std::wstring_view text, int& index) const noexcept {
+    return m_names.TryFind(text, index);
+  }
   /// Says whether an entry has the same three spellings but for their case.
   bool HasSameAnyCase(const CEnumValueString& strings) const;
   /// Says whether both tables have the same spellings in the same order, case counting.
@@ -87,7 +97,8 @@ class CVARS_API EnumTable {
   std::vector<Entry> m_entries;
 
   // Both are made when a look-up needs them; an entry that comes last is added to what is there,
-  // any other change of spellings or positions empties them.
+  // any other change of spellings or positions empties them. The names are published while they are
+  // those of all entries.
   mutable FoldedTextIndex m_names;
   mutable FoldedTextIndex m_triples;
   mutable int m_namedEntries = 0;    // entries whose spellings are in m_names

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <memory>
 
 #include "TextCase.h"
 
@@ -9,6 +10,7 @@ namespace cvars {
 namespace {
 
 constexpr std::size_t kFirstSlots = 16;
+constexpr std::size_t kFirstBlocks = 64;
 constexpr std::size_t kBlockCharacters = 2;
 static_assert(sizeof(std::uint64_t) == kBlockCharacters * sizeof(wchar_t));
 
@@ -59,6 +61,16 @@ class Hasher {
   std::uint64_t m_multiplier = kSpread;
 };
 
+// What TryFind reads while the owner writes. Whoever reads something newer than the version that it
+// began with finds another version afterwards: a write is ordered behind the change of the version,
+// a read before the second look at it.
+using Word = std::atomic<std::uint64_t>;
+
+std::uint64_t Read(const Word& word) noexcept { return word.load(std::memory_order_acquire); }
+void Write(Word& word, std::uint64_t value) noexcept {
+  word.store(value, std::memory_order_release);
+}
+
 /// A text as it is looked up: folded without a copy on the heap.
 ///
 /// Short texts of ASCII, which nearly all are, are folded once and kept; others are folded again
@@ -77,13 +89,13 @@ class FoldedText {
   std::uint64_t BlockAt(std::size_t i) const noexcept { return Folded(RawBlock(i)); }
 
   /// Compares with as many blocks.
-  bool Is(const std::uint64_t* stored) const noexcept {
+  bool Is(const Word* stored) const noexcept {
     const std::size_t count = BlockCount();
     std::uint64_t different = 0;
     if (m_isKept) {
-      for (std::size_t i = 0; i < count; ++i) different |= stored[i] ^ m_kept[i];
+      for (std::size_t i = 0; i < count; ++i) different |= Read(stored[i]) ^ m_kept[i];
     } else {
-      for (std::size_t i = 0; i < count; ++i) different |= stored[i] ^ BlockAt(i);
+      for (std::size_t i = 0; i < count; ++i) different |= Read(stored[i]) ^ BlockAt(i);
     }
     return different == 0;
   }
@@ -131,57 +143,146 @@ class FoldedText {
   std::uint64_t m_kept[kKeptBlocks];
 };
 
-/// Gives the place of the slot that holds the text, or of the free one where it belongs. There is
-/// always a free one.
-template <class Slots>
-std::size_t PlaceOf(const Slots& slots, const std::uint64_t* blocks,
-                    const FoldedText& text) noexcept {
-  const std::size_t mask = slots.size() - 1;
-  for (std::size_t at = text.Hash() & mask;; at = (at + 1) & mask) {
-    const auto& slot = slots[at];
-    if (slot.number == FoldedTextIndex::kNone) return at;
-    if (slot.hash == text.Hash() && slot.length == text.Length() &&
-        text.Is(blocks + slot.firstBlock)) {
-      return at;
-    }
-  }
+constexpr std::uint64_t Joined(std::uint32_t high, std::uint32_t low) noexcept {
+  return std::uint64_t{high} << 32 | low;
 }
+constexpr std::uint32_t HighOf(std::uint64_t word) noexcept {
+  return static_cast<std::uint32_t>(word >> 32);
+}
+constexpr std::uint32_t LowOf(std::uint64_t word) noexcept {
+  return static_cast<std::uint32_t>(word);
+}
+
+struct Slot {
+  Word key{0};    // hash and length of the text
+  Word place{0};  // place of the folded text in the blocks, and number + 1; 0 while free
+
+  bool IsFree() const noexcept { return Read(place) == 0; }
+};
 
 }  // namespace
 
-void FoldedTextIndex::Grow() {
-  std::vector<Slot> old(std::max(kFirstSlots, m_slots.size() * 2));
-  old.swap(m_slots);
-  const std::size_t mask = m_slots.size() - 1;
-  for (const Slot& slot : old) {
-    if (slot.number == kNone) continue;
-    std::size_t at = slot.hash & mask;
-    while (m_slots[at].number != kNone) at = (at + 1) & mask;
-    m_slots[at] = slot;
+/// Slots and texts. One that is outgrown stays as it is until the index goes.
+struct FoldedTextIndex::Table {
+  Table(std::size_t slotCount, std::size_t blockCapacity)
+      : slotMask(slotCount - 1),
+        blockCount(blockCapacity),
+        slots(std::make_unique<Slot[]>(slotCount)),
+        blocks(std::make_unique<Word[]>(blockCapacity)) {}
+
+  /// Gives the slot that holds the text, or the free one where it belongs; null when neither shows,
+  /// which happens only while the owner changes the index.
+  Slot* SlotOf(const FoldedText& text) const noexcept {
+    const std::uint64_t key = Joined(text.Hash(), static_cast<std::uint32_t>(text.Length()));
+    std::size_t at = text.Hash() & slotMask;
+    for (std::size_t left = slotMask + 1; left > 0; --left, at = (at + 1) & slotMask) {
+      Slot& slot = slots[at];
+      const std::uint64_t place = Read(slot.place);
+      if (place == 0 || (Read(slot.key) == key && Holds(HighOf(place), text))) return &slot;
+    }
+    return nullptr;
   }
+
+  bool Holds(std::size_t firstBlock, const FoldedText& text) const noexcept {
+    const std::size_t count = text.BlockCount();
+    if (firstBlock > blockCount || count > blockCount - firstBlock) return false;
+    return text.Is(&blocks[firstBlock]);
+  }
+
+  /// Takes a text over; its block must be in place.
+  void Put(std::uint64_t key, std::uint64_t place) noexcept {
+    std::size_t at = HighOf(key) & slotMask;
+    while (!slots[at].IsFree()) at = (at + 1) & slotMask;
+    Write(slots[at].key, key);
+    Write(slots[at].place, place);
+  }
+
+  const std::size_t slotMask;
+  const std::size_t blockCount;
+  const std::unique_ptr<Slot[]> slots;
+  const std::unique_ptr<Word[]> blocks;
+  std::unique_ptr<Table> outgrown;
+};
+
+FoldedTextIndex::FoldedTextIndex() noexcept = default;
+
+FoldedTextIndex::~FoldedTextIndex() { delete m_table.load(std::memory_order_relaxed); }
+
+bool FoldedTextIndex::IsPublished() const noexcept {
+  return m_version.load(std::memory_order_relaxed) % 2 == 0;
+}
+
+void FoldedTextIndex::Publish() noexcept {
+  if (!IsPublished()) m_version.fetch_add(1, std::memory_order_release);
+}
+
+void FoldedTextIndex::Withhold() noexcept {
+  if (IsPublished()) m_version.fetch_add(1, std::memory_order_relaxed);
+}
+
+// Makes room for one text more.
+void FoldedTextIndex::Grow(std::size_t blocks) {
+  Table* const old = m_table.load(std::memory_order_relaxed);
+  const std::size_t slots = old == nullptr ? 0 : old->slotMask + 1;
+  const std::size_t room = old == nullptr ? 0 : old->blockCount;
+  const bool slotsDo = (m_count + 1) * 2 <= slots;
+  const bool blocksDo = m_blockCount + blocks <= room;
+  if (slotsDo && blocksDo) return;
+  auto table = std::make_unique<Table>(
+      slotsDo ? slots : std::max(kFirstSlots, slots * 2),
+      blocksDo ? room : std::max({kFirstBlocks, room * 2, m_blockCount + blocks}));
+  for (std::size_t i = 0; i < m_blockCount; ++i) Write(table->blocks[i], Read(old->blocks[i]));
+  for (std::size_t i = 0; i < slots; ++i) {
+    const Slot& slot = old->slots[i];
+    if (!slot.IsFree()) table->Put(Read(slot.key), Read(slot.place));
+  }
+  // Nobody else can be in a table of an index that was never published.
+  if (m_version.load(std::memory_order_relaxed) == 1) {
+    delete old;
+  } else {
+    table->outgrown.reset(old);
+  }
+  m_table.store(table.release(), std::memory_order_release);
 }
 
 void FoldedTextIndex::Add(std::wstring_view text, int number) {
-  if ((m_count + 1) * 2 > m_slots.size()) Grow();
+  Withhold();
   const FoldedText folded(text);
-  Slot& slot = m_slots[PlaceOf(m_slots, m_blocks.data(), folded)];
-  if (slot.number != kNone) return;
-  const std::size_t firstBlock = m_blocks.size();
-  for (std::size_t i = 0; i < folded.BlockCount(); ++i) m_blocks.push_back(folded.BlockAt(i));
-  slot = {folded.Hash(), static_cast<std::uint32_t>(text.size()),
-          static_cast<std::uint32_t>(firstBlock), number};
+  Grow(folded.BlockCount());
+  Table& table = *m_table.load(std::memory_order_relaxed);
+  Slot* const slot = table.SlotOf(folded);  // there always is one: half of them are free
+  if (!slot->IsFree()) return;
+  const auto firstBlock = static_cast<std::uint32_t>(m_blockCount);
+  for (std::size_t i = 0; i < folded.BlockCount(); ++i) {
+    Write(table.blocks[m_blockCount++], folded.BlockAt(i));
+  }
+  Write(slot->key, Joined(folded.Hash(), static_cast<std::uint32_t>(text.size())));
+  Write(slot->place, Joined(firstBlock, static_cast<std::uint32_t>(number) + 1));
   ++m_count;
 }
 
 int FoldedTextIndex::Find(std::wstring_view text) const noexcept {
-  if (m_count == 0) return kNone;
-  return m_slots[PlaceOf(m_slots, m_blocks.data(), FoldedText(text))].number;
+  const Table* const table = m_table.load(std::memory_order_acquire);
+  if (table == nullptr) return kNone;
+  const Slot* const slot = table->SlotOf(FoldedText(text));
+  return slot == nullptr ? kNone : static_cast<int>(LowOf(Read(slot->place))) - 1;
+}
+
+bool FoldedTextIndex::TryFind(std::wstring_view text, int& number) const noexcept {
+  const std::uint64_t version = m_version.load(std::memory_order_acquire);
+  if (version % 2 != 0) return false;
+  number = Find(text);
+  return m_version.load(std::memory_order_relaxed) == version;
 }
 
 void FoldedTextIndex::Clear() noexcept {
-  m_slots.clear();
-  m_blocks.clear();
+  Withhold();
+  Table* const table = m_table.load(std::memory_order_relaxed);
+  for (std::size_t i = 0; m_count != 0 && i <= table->slotMask; ++i) {
+    Write(table->slots[i].place, 0);
+  }
   m_count = 0;
+  m_blockCount = 0;
 }
 
 }  // namespace cvars

@@ -93,6 +93,46 @@ TEST(EnumConcurrency, ReadersSeeOnlyWhatWasValidAtSomeMoment) {
   EXPECT_EQ(0, wrong.load());
 }
 
+// A look-up takes no lock once the names were looked up; what it answers still is true of one list.
+TEST(EnumConcurrency, LookUpsAnswerFromOneList) {
+  constexpr int kLong = 200;
+  std::wstring longList;
+  for (int i = 0; i < kLong; ++i) longList += L"Long" + std::to_wstring(i) + L",";
+  longList += L"Ac";
+  const std::wstring lists[] = {L"Ac,Dc", longList, L"Dc,Ac"};
+  const std::set<int> placesOfAc = {0, 1, kLong};
+  const Enum cvar = CvarObject<CCvarEnum>::Create();
+  cvar->Initialize(L"Choice", lists[0].c_str(), 0, CVARFLAGS(0), nullptr, 0,
+                   REPLICATE_VALUE | REPLICATE_REQUESTED, 0);
+  std::atomic<bool> changing{true};
+  std::atomic<int> wrong{0};
+  std::barrier start(3);
+  {
+    std::vector<std::jthread> threads;
+    for (int reader = 0; reader < 2; ++reader) {
+      threads.emplace_back([&] {
+        start.arrive_and_wait();
+        while (changing.load()) {
+          if (!placesOfAc.contains(cvar->GetIndexOfStringValue(L"AC"))) ++wrong;
+          const int place = cvar->GetIndexOfStringValue(L"LONG117");
+          if (place != 117 && place != -1) ++wrong;
+          if (cvar->GetIndexOfStringValue(L"Long") != -1) ++wrong;
+        }
+      });
+    }
+    start.arrive_and_wait();
+    for (int i = 0; i < 1000; ++i) {
+      (void)cvar->SetRange(lists[i % 3].c_str(), 0, nullptr, 0, false);
+      (void)cvar->AddValue(L"Last", 0, -1);
+      for (int look = 0; look < 20; ++look) {
+        if (!placesOfAc.contains(cvar->GetIndexOfStringValue(L"ac"))) ++wrong;
+      }
+    }
+    changing = false;
+  }
+  EXPECT_EQ(0, wrong.load());
+}
+
 TEST(EnumConcurrency, ListenersAreCalledOutsideTheLock) {
   const Enum cvar = CvarObject<CCvarEnum>::Create();
   cvar->Initialize(L"Choice", L"A,B,C", 0, CVARFLAGS(0), nullptr, 0,

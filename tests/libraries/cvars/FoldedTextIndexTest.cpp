@@ -73,6 +73,43 @@ TEST(FoldedTextIndexTest, ClearForgets) {
   EXPECT_EQ(2, index.Find(L"ac"));
 }
 
+TEST(FoldedTextIndexTest, IsLookedIntoWithoutTheOwnerOnlyWhilePublished) {
+  FoldedTextIndex index;
+  int number = 77;
+  EXPECT_FALSE(index.TryFind(L"ac", number));
+  index.Add(L"ac", 1);
+  EXPECT_FALSE(index.TryFind(L"ac", number));
+  index.Publish();
+  EXPECT_TRUE(index.TryFind(L"AC", number));
+  EXPECT_EQ(1, number);
+  EXPECT_TRUE(index.TryFind(L"dc", number));
+  EXPECT_EQ(FoldedTextIndex::kNone, number);
+  index.Withhold();
+  EXPECT_FALSE(index.TryFind(L"ac", number));
+  index.Publish();
+  index.Add(L"dc", 2);
+  EXPECT_FALSE(index.TryFind(L"ac", number));
+  index.Publish();
+  EXPECT_TRUE(index.TryFind(L"dc", number));
+  EXPECT_EQ(2, number);
+  index.Clear();
+  EXPECT_FALSE(index.TryFind(L"ac", number));
+  index.Publish();
+  EXPECT_TRUE(index.TryFind(L"ac", number));
+  EXPECT_EQ(FoldedTextIndex::kNone, number);
+}
+
+TEST(FoldedTextIndexTest, GrowsAfterItWasPublished) {
+  FoldedTextIndex index;
+  for (int number = 0; number < 500; ++number) {
+    index.Add(std::to_wstring(number), number);
+    index.Publish();
+    int found = FoldedTextIndex::kNone;
+    ASSERT_TRUE(index.TryFind(std::to_wstring(number / 2), found));
+    ASSERT_EQ(number / 2, found);
+  }
+}
+
 TEST(FoldedTextIndexPropertyTest, AgreesWithAMapOfUpperCasedTexts) {
   cvars::test::Randomness random("FoldedTextIndex");
   constexpr wchar_t kCharacters[] = {L'a', L'A', L'z', L'@', L'{', L'9', L'\u00e4', L'\u00c4', 0};
