@@ -15,9 +15,9 @@ using Double = CComPtr<CvarObject<CCvarDouble>>;
 
 constexpr NOTIFYTYPE kEverything = static_cast<NOTIFYTYPE>(0xFFFFFFFFu);
 
-Double MakeCvar() {
+Double MakeCvar(double maximum = kMax, double grain = kGrain) {
   Double cvar = CvarObject<CCvarDouble>::Create();
-  cvar->Initialize(L"Timebase", 1.0, kMin, kMax, kGrain, L"S", CVARFLAGS(0), L"", 0,
+  cvar->Initialize(L"Timebase", 1.0, kMin, maximum, grain, L"S", CVARFLAGS(0), L"", 0,
                    CVARREPLICATIONFLAGS(0x202));
   return cvar;
 }
@@ -92,8 +92,8 @@ void Star(benchmark::State& state) {
   SetAndFollow(state, source, replicas);
 }
 
-/// Counts its calls on one thread, for another to read.
-class Counter final : public IVorCvarEventSink {
+/// Listens to a replica: counts its changes, and sees that each is newer than the one before.
+class Follower final : public IVorCvarEventSink {
  public:
   HRESULT QueryInterface(REFIID iid, void** object) override {
     *object = nullptr;
@@ -104,53 +104,72 @@ class Counter final : public IVorCvarEventSink {
   ULONG AddRef() override { return 1; }  // owned by the benchmark
   ULONG Release() override { return 1; }
   HRESULT OnCvarNotify(IVorCvar*, NOTIFYTYPE) override {
-    m_calls.store(m_calls.load(std::memory_order_relaxed) + 1, std::memory_order_release);
+    const double number = Requested(m_replica);
+    if (number <= m_newest.load(std::memory_order_relaxed)) m_inOrder = false;
+    ++m_copies;
+    m_newest.store(number, std::memory_order_release);
     return S_OK;
   }
-  std::uint64_t Calls() const { return m_calls.load(std::memory_order_acquire); }
+
+  void Attach(const Double& replica) {
+    m_replica = replica;
+    (void)m_replica->AttachCvarEventSink(this);
+  }
+  void Detach() { (void)m_replica->DetachCvarEventSink(this); }
+
+  void WaitFor(double number) const {
+    while (m_newest.load(std::memory_order_acquire) != number) std::this_thread::yield();
+  }
+  // For a thread that has waited for the last number.
+  std::uint64_t Copies() const { return m_copies; }
+  bool InOrder() const { return m_inOrder; }
 
  private:
-  std::atomic<std::uint64_t> m_calls{0};
+  Double m_replica;
+  std::atomic<double> m_newest{0};
+  std::uint64_t m_copies = 0;
+  bool m_inOrder = true;
 };
 
 constexpr std::int64_t kChanges = 200000;
 
-void WaitFor(const Double& replica, double value) {
-  while (Requested(replica) != value) std::this_thread::yield();
-}
-
-// One iteration = range(1) changes, spread over range(0) sources with a replica each, until the
-// last one has arrived. Every change arrives, alone or together with later ones of its source;
-// where each source changes once, every one has a copy of its own.
+// One iteration = range(1) changes, spread over range(0) sources with a replica each, until every
+// replica has followed. Each change is a higher number. Every change arrives, alone or together
+// with later ones of its source; where each source changes once, every one has a copy of its own.
 void AsynchronousChanges(benchmark::State& state) {
   const auto pairs = static_cast<std::size_t>(state.range(0));
   const auto changes = static_cast<std::size_t>(state.range(1));
-  const auto& values = Values();
+  constexpr double kHighest = 1e12;
   std::vector<Double> sources;
   std::vector<Double> replicas;
-  Counter counter;
+  std::vector<Follower> followers(pairs);
   for (std::size_t i = 0; i < pairs; ++i) {
-    sources.push_back(MakeCvar());
-    replicas.push_back(MakeCvar());
+    sources.push_back(MakeCvar(kHighest, 1));
+    replicas.push_back(MakeCvar(kHighest, 1));
     Follow(replicas[i], sources[i], REPLICATIONCONNECTION_ASYNCHRONOUS, state);
-    (void)replicas[i]->AttachCvarEventSink(&counter);
+    followers[i].Attach(replicas[i]);
   }
-  const std::uint64_t before = counter.Calls();
-  std::size_t next = 0;
+  double number = 1;  // of a new cvar
   for (auto _ : state) {
     const auto start = Clock::now();
-    for (std::size_t i = 0; i < changes; ++i) {
-      (void)sources[i % pairs]->SetRequestedValue(values[(next++ / pairs) & 1023]);
-    }
-    for (std::size_t i = 0; i < pairs; ++i) WaitFor(replicas[i], Requested(sources[i]));
+    for (std::size_t i = 0; i < changes; ++i) (void)sources[i % pairs]->SetRequestedValue(++number);
+    // The last one first: when it has followed, most others have.
+    for (std::size_t i = pairs; i-- > 0;) followers[i].WaitFor(Requested(sources[i]));
     state.SetIterationTime(Seconds(start, Clock::now()));
   }
-  const auto rounds = static_cast<double>(state.iterations());
-  state.counters["changes_per_s"] =
-      benchmark::Counter(rounds * static_cast<double>(changes), benchmark::Counter::kIsRate);
-  state.counters["copies_per_s"] = benchmark::Counter(static_cast<double>(counter.Calls() - before),
-                                                      benchmark::Counter::kIsRate);
-  for (const Double& replica : replicas) (void)replica->DetachCvarEventSink(&counter);
+  const auto all = static_cast<double>(state.iterations()) * static_cast<double>(changes);
+  std::uint64_t copies = 0;
+  for (Follower& follower : followers) {
+    if (!follower.InOrder()) state.SkipWithError("a replica went back to an older number");
+    copies += follower.Copies();
+    follower.Detach();
+  }
+  if (changes == pairs && static_cast<double>(copies) != all) {
+    state.SkipWithError("not every change has a copy of its own");
+  }
+  state.counters["changes_per_s"] = benchmark::Counter(all, benchmark::Counter::kIsRate);
+  state.counters["copies_per_s"] =
+      benchmark::Counter(static_cast<double>(copies), benchmark::Counter::kIsRate);
 }
 
 /// Runs functions on a thread of its own, in the order they were handed over.
@@ -282,6 +301,7 @@ int main(int argc, char** argv) {
   RegisterBenchmark("replicate/asynchronous", AsynchronousChanges)
       ->Args({1, kChanges})
       ->Args({100, kChanges})
+      ->Args({1000, 1000})
       ->Args({50000, 50000})
       ->UseManualTime()
       ->Unit(benchmark::kMillisecond);
