@@ -26,12 +26,24 @@ Cvar Make(Arguments... arguments) {
   return Cvar(cvar);
 }
 
-/// How a class is made, and two remote texts that its cvar takes in turn.
+/// What of the common interface a class has, signature and properties apart, which all have.
+enum Operations : unsigned {
+  kSetText = 1,
+  kScreenText = 2,
+  kGetVariant = 4,
+  kPutVariant = 8,
+  kSteps = 16,
+  kAll = 31,
+  kNoSteps = kAll & ~kSteps,
+};
+
+/// How a class is made, what it has, and what its cvar takes in turn.
 struct Class {
   const char* name;
   std::function<Cvar()> make;
-  std::wstring texts[2];
-  bool steps = true;  ///< whether Increment moves its value
+  std::wstring texts[2];  ///< remote texts
+  unsigned has = kAll;
+  std::function<CComVariant()> makeValue = nullptr;  ///< where no text gives a value
 };
 
 Cvar MakeBits(int bits) {
@@ -118,14 +130,14 @@ const std::vector<Class>& Classes() {
                                     kNoFlags, L"", 0u, kCopies);
        },
        {L"D:\\Data\\a.trc", L"D:\\Data\\b.trc"},
-       false},
+       kNoSteps},
       {"register",
        [] {
          return Make<CCvarRegister>(L"Control", 0u, ACCESSSTYLE_READWRITE, 0x100u, 16u, 0xFFFFu,
                                     kNoFlags, L"", 0u, kCopies, false);
        },
        {L"0x1F", L"0x2E"},
-       false},
+       kNoSteps},
       {"bool",
        [] { return Make<CCvarBool>(L"View", L"Off,On", 0, kNoFlags, L"", 0u, kCopies); },
        {L"OFF", L"ON"}},
@@ -135,19 +147,19 @@ const std::vector<Class>& Classes() {
       {"string",
        [] { return Make<CCvarString>(L"Label", L"", 64, kNoFlags, L"", 0u, kCopies); },
        {L"first trace", L"second trace"},
-       false},
+       kNoSteps},
       {"object_name",
        [] { return Make<CCvarObjectName>(L"Trace", L"", 64, kNoFlags, L"", 0u, kCopies); },
        {L"first trace", L"second trace"},
-       false},
+       kNoSteps},
       {"bit_pattern_64",
        [] { return MakeBits(64); },
        {std::wstring(64, L'0'), std::wstring(64, L'1')},
-       false},
+       kNoSteps},
       {"bit_pattern_4096",
        [] { return MakeBits(4096); },
        {std::wstring(4096, L'0'), std::wstring(4096, L'1')},
-       false},
+       kNoSteps},
       {"array_1000x4",
        [] {
          CComPtr<CvarObject<CCvarSafeArray>> cvar = CvarObject<CCvarSafeArray>::Create();
@@ -156,10 +168,50 @@ const std::vector<Class>& Classes() {
          return Cvar(cvar);
        },
        {TableText(1000, L'1'), TableText(1000, L'2')},
-       false},
+       kNoSteps},
+      {"image",
+       [] {
+         const auto cvar = CvarObject<CCvarImage>::Create();
+         cvar->Initialize(L"Icon", 0, kNoFlags, L"", 0u, kCopies);
+         HBITMAP bitmap = nullptr;  // the cvar's
+         (void)cvar->CreateBitmap(64, 64, &bitmap);
+         return Cvar(cvar);
+       },
+       {},
+       kScreenText | kGetVariant},
+      {"action",
+       [] { return Make<CCvarAction>(L"Clear", kNoFlags, L"", 0u, 0ul, kCopies); },
+       {L"", L""},
+       kSetText},
+      {"object",
+       [] { return Make<CCvarObject<IUnknown>>(L"Source", kNoFlags, true, kCopies); },
+       {},
+       kGetVariant | kPutVariant,
+       [] { return CComVariant(static_cast<IUnknown*>(MakeBits(1).p)); }},
   };
   return classes;
 }
+
+/// Counts its calls.
+class Counter final : public IVorCvarEventSink {
+ public:
+  HRESULT QueryInterface(REFIID iid, void** object) override {
+    *object = nullptr;
+    if (iid != IID_IUnknown && iid != IID_IVorCvarEventSink) return E_NOINTERFACE;
+    *object = static_cast<IVorCvarEventSink*>(this);
+    return S_OK;
+  }
+  ULONG AddRef() override { return 1; }  // owned by the benchmark
+  ULONG Release() override { return 1; }
+  HRESULT OnCvarNotify(IVorCvar*, NOTIFYTYPE) override {
+    ++m_calls;
+    return S_OK;
+  }
+  std::uint64_t Calls() const { return m_calls; }
+
+ private:
+  std::uint64_t m_calls = 0;
+};
 
 template <HRESULT (IVorCvar::*read)(BSTR*)>
 void ReadText(benchmark::State& state, const Class& kind) {
@@ -180,14 +232,11 @@ void SetText(benchmark::State& state, const Class& kind) {
       state.SkipWithError("not taken");
     }
   }
-  CComBSTR first;
-  CComBSTR second;
-  (void)cvar->GetAdaptedValueStringRemote(&first);
+  Counter listener;
+  (void)cvar->AttachCvarEventSink(&listener);
   (void)cvar->SetRequestedValueFromStringRemote(kind.texts[i & 1].c_str());
-  (void)cvar->GetAdaptedValueStringRemote(&second);
-  if (std::wstring_view(first.m_str) == std::wstring_view(second.m_str)) {
-    state.SkipWithError("the texts change nothing");
-  }
+  if (listener.Calls() == 0) state.SkipWithError("the texts change nothing");
+  (void)cvar->DetachCvarEventSink(&listener);
 }
 
 void ReadVariant(benchmark::State& state, const Class& kind) {
@@ -203,8 +252,12 @@ void SetVariant(benchmark::State& state, const Class& kind) {
   const Cvar cvar = kind.make();
   CComVariant values[2];
   for (std::size_t i = 0; i < 2; ++i) {
-    (void)cvar->SetRequestedValueFromStringRemote(kind.texts[i].c_str());
-    (void)cvar->get_Value(&values[i]);
+    if (kind.makeValue) {
+      values[i] = kind.makeValue();
+    } else {
+      (void)cvar->SetRequestedValueFromStringRemote(kind.texts[i].c_str());
+      (void)cvar->get_Value(&values[i]);
+    }
   }
   std::size_t i = 0;
   for (auto _ : state) {
@@ -232,27 +285,6 @@ void Step(benchmark::State& state, const Class& kind) {
   }
 }
 
-/// Counts its calls.
-class Counter final : public IVorCvarEventSink {
- public:
-  HRESULT QueryInterface(REFIID iid, void** object) override {
-    *object = nullptr;
-    if (iid != IID_IUnknown && iid != IID_IVorCvarEventSink) return E_NOINTERFACE;
-    *object = static_cast<IVorCvarEventSink*>(this);
-    return S_OK;
-  }
-  ULONG AddRef() override { return 1; }  // owned by the benchmark
-  ULONG Release() override { return 1; }
-  HRESULT OnCvarNotify(IVorCvar*, NOTIFYTYPE) override {
-    ++m_calls;
-    return S_OK;
-  }
-  std::uint64_t Calls() const { return m_calls; }
-
- private:
-  std::uint64_t m_calls = 0;
-};
-
 // One iteration = one notification; the counter is the time of each listener.
 void FanOut(benchmark::State& state) {
   const Cvar cvar = Classes().front().make();
@@ -276,11 +308,12 @@ int main(int argc, char** argv) {
       benchmark::RegisterBenchmark((std::string(what) + "/" + kind.name).c_str(),
                                    [run, &kind](benchmark::State& state) { run(state, kind); });
     };
-    add("class_set_text", SetText);
-    if (kind.steps) add("class_increment", Step);
-    add("class_screen_text", ReadText<&IVorCvar::GetAdaptedValueStringScreen>);
-    add("class_get_variant", ReadVariant);
-    add("class_put_variant", SetVariant);
+    if (kind.has & kSetText) add("class_set_text", SetText);
+    if (kind.has & kSteps) add("class_increment", Step);
+    if (kind.has & kScreenText)
+      add("class_screen_text", ReadText<&IVorCvar::GetAdaptedValueStringScreen>);
+    if (kind.has & kGetVariant) add("class_get_variant", ReadVariant);
+    if (kind.has & kPutVariant) add("class_put_variant", SetVariant);
     add("class_signature", ReadText<&IVorCvar::get_Signature>);
     add("class_properties", ReadProperties);
   }
