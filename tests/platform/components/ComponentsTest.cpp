@@ -10,7 +10,12 @@
 #include <thread>
 
 #include "CComPtr.h"
+#include "IVorAsynchronousCvarNotifier.h"
+#include "IVorEventLogMgr.h"
+#include "IVorMessageBox.h"
+#include "IVorPhysicalUnit.h"
 #include "IVorRegExp.h"
+#include "IVorTattlerClient.h"
 #include "IsolatedHome.h"
 #include "platform/ComponentModule.h"
 #include "platform/Registry.h"
@@ -55,10 +60,32 @@ class ComponentsTest : public testing::Test {
   test::IsolatedHome m_home;
 };
 
-TEST_F(ComponentsTest, EmptyHomeKnowsInstalledClass) {
-  CLSID clsid = GUID_NULL;
-  EXPECT_EQ(CLSIDFromProgID(kRegExp, &clsid), S_OK);
-  EXPECT_EQ(clsid, CLSID_RegExp);
+struct ClassCase {
+  const wchar_t* progId;
+  CLSID clsid;
+};
+constexpr ClassCase kClassCases[] = {
+    {L"Vortana.AsynchronousCvarNotifier", CLSID_AsynchronousCvarNotifier},
+    {L"Vortana.PhysicalUnit", CLSID_PhysicalUnit},
+    {L"Vortana.MessageBox", CLSID_MessageBox},
+    {L"VBScript.RegExp", CLSID_RegExp},
+    {L"Vortana.EventLogMgr.1", CLSID_EventLogMgr},
+    {L"Vortana.TattlerClient", CLSID_TattlerClient},
+};
+
+TEST_F(ComponentsTest, EmptyHomeKnowsEveryComponent) {
+  for (const ClassCase& row : kClassCases) {
+    CLSID clsid = GUID_NULL;
+    EXPECT_EQ(CLSIDFromProgID(row.progId, &clsid), S_OK) << row.progId;
+    EXPECT_EQ(clsid, row.clsid) << row.progId;
+    wchar_t* text = nullptr;
+    EXPECT_EQ(ProgIDFromCLSID(row.clsid, &text), S_OK) << row.progId;
+    EXPECT_STREQ(text, row.progId);
+    CoTaskMemFree(text);
+    CComPtr<IUnknown> made;
+    EXPECT_EQ(CreateComponent(row.progId, IID_IUnknown, reinterpret_cast<void**>(&made)), S_OK)
+        << row.progId;
+  }
 }
 
 TEST_F(ComponentsTest, ProgrammaticIdentifierIsFoundInAnyCase) {

@@ -26,22 +26,6 @@ static_assert(REPLICATIONCONNECTION_NONE == 0 && REPLICATIONCONNECTION_SYNCHRONO
               REPLICATIONCONNECTION_ASYNCHRONOUS == 2 && REPLICATIONCONNECTION_UNCHANGED == 3);
 static_assert(REPLICATIONCOPY_FROM_OTHER == 0 && REPLICATIONCOPY_TO_OTHER == 1);
 
-static_assert(S_OK == 0 && S_FALSE == 1 && E_NOTIMPL == -2147467263 &&
-              E_NOINTERFACE == -2147467262 && E_POINTER == -2147467261 && E_FAIL == -2147467259 &&
-              E_UNEXPECTED == -2147418113 && E_ACCESSDENIED == -2147024891 &&
-              E_OUTOFMEMORY == -2147024882 && E_INVALIDARG == -2147024809 &&
-              OLE_E_BLANK == -2147221497 && DISP_E_MEMBERNOTFOUND == -2147352573 &&
-              DISP_E_TYPEMISMATCH == -2147352571 && DISP_E_OVERFLOW == -2147352566 &&
-              DISP_E_BADINDEX == -2147352565);
-
-static_assert(IID_IUnknown == GUID{0, 0, 0, {0xC0, 0, 0, 0, 0, 0, 0, 0x46}});
-static_assert(IID_IVorCvar ==
-              GUID{0x7205B0A0, 0xE8E6, 0x4D14, {0x80, 0xF1, 0x0D, 0x21, 0x31, 0x4B, 0xE6, 0xBA}});
-static_assert(IID_IVorCvarEventSink ==
-              GUID{0x39699EE3, 0x8587, 0x40BC, {0x85, 0x5F, 0xA2, 0x60, 0xE0, 0x4B, 0xFB, 0xA5}});
-static_assert(IID_CvarBag ==
-              GUID{0xB4C49663, 0x8BB0, 0x4472, {0x8A, 0x41, 0xE7, 0xAD, 0x9C, 0xCA, 0xD1, 0x70}});
-
 // Counts its references and lives on the stack.
 class Counted final : public IUnknown {
  public:
