@@ -1,8 +1,6 @@
 #pragma once
 
-#include <bit>
 #include <cmath>
-#include <cstdint>
 
 #include "GrainRounding.h"
 #include "IVorCvarDouble.h"
@@ -46,9 +44,15 @@ class CVARS_API IVorCvarDoubleImpl
       return std::isfinite(value) ? E_ACCESSDENIED : E_INVALIDARG;
     }
     const double old = this->m_requested;  // always finite
-    if (std::bit_cast<std::uint64_t>(value) == std::bit_cast<std::uint64_t>(old)) return S_OK;
-    if (!std::isfinite(value)) return E_INVALIDARG;
-    if (std::fabs(value - old) <= cvars::WriteTolerance(old)) return S_OK;
+    if (value == old) [[likely]] {
+      return S_OK;
+    }
+    const double difference = std::fabs(value - old);
+    const bool differs = difference > cvars::WriteTolerance(old);
+    if (!differs || !std::isfinite(difference)) [[unlikely]] {
+      if (!std::isfinite(value)) return E_INVALIDARG;
+      if (!differs) return S_OK;
+    }
     this->m_requested = value;
     this->AddPending(NOTIFY_REQUESTED);
     return this->UpdateAdaptedValueAndNotify();
@@ -59,10 +63,12 @@ class CVARS_API IVorCvarDoubleImpl
     const double clamped = cvars::ClampToRange(this->m_requested, m_min, m_max);
     const double grain = m_grain;
     double rounded;
-    if (!cvars::RoundQuickly(clamped, grain, rounded)) [[unlikely]] {
-      return RoundAndSetAdapted(clamped, grain);
+    if (cvars::RoundQuickly(clamped, grain, rounded) &&
+        std::fabs(rounded - this->m_adapted) > cvars::WriteTolerance(rounded)) [[likely]] {
+      this->m_adapted = rounded;
+      return true;
     }
-    return SetAdapted(rounded);
+    return RoundAndSetAdapted(clamped, grain);
   }
   /// Sets NOTIFY_RANGE, and NOTIFY_VALUE when the adapted value moves; the same for the next two.
   /// @retval E_INVALIDARG  not finite  @retval S_FALSE  no change

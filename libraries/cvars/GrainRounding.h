@@ -45,7 +45,7 @@ inline double EffectiveStep(double value, double grain) noexcept {
 }
 
 /// Rounds as RoundToStep does, where that is common and cheap.
-/// @param[out] rounded  of no use when it was not
+/// @param[out] rounded  infinite where the result is too large; of no use when it was not cheap
 /// @return whether it was
 inline bool RoundQuickly(double value, double step, double& rounded) noexcept {
   if (!(step > 0.0)) return false;
@@ -55,7 +55,7 @@ inline bool RoundQuickly(double value, double step, double& rounded) noexcept {
   if (!(std::fabs(count) < kAllWhole)) return false;
   const auto cut = static_cast<double>(static_cast<std::int64_t>(count));
   rounded = (cut > count ? cut - 1.0 : cut) * step;
-  return std::isfinite(rounded);
+  return true;
 }
 
 /// Rounds to the nearest multiple of a step, counted from zero; ties go up.
@@ -63,9 +63,10 @@ inline bool RoundQuickly(double value, double step, double& rounded) noexcept {
 /// A step that is not above 0, or a result too large for a double, leaves the value as it is.
 inline double RoundToStep(double value, double step) noexcept {
   double rounded;
-  if (RoundQuickly(value, step, rounded)) return rounded;
-  if (!(step > 0.0)) return value;
-  rounded = std::floor(value / step + 0.5) * step;
+  if (!RoundQuickly(value, step, rounded)) {
+    if (!(step > 0.0)) return value;
+    rounded = std::floor(value / step + 0.5) * step;
+  }
   return std::isinf(rounded) ? value : rounded;
 }
 
