@@ -1,5 +1,6 @@
 #include "NumericUnit.h"
 
+#include <memory>
 #include <string>
 
 #include "CvarText.h"
@@ -8,8 +9,20 @@
 namespace cvars {
 
 struct NumericUnit::Record {
-  std::wstring remote;
-  std::wstring screen;
+  explicit Record(std::wstring_view unit) : remote(unit) {}
+
+  // Two threads may ask at once; the first answer stays.
+  const std::wstring* AskForScreen() const {
+    std::wstring answer;
+    if (FAILED(ScreenUnit(remote.c_str(), &answer))) return nullptr;
+    auto made = std::make_unique<const std::wstring>(std::move(answer));
+    const std::wstring* known = nullptr;
+    if (!screen.compare_exchange_strong(known, made.get(), std::memory_order_acq_rel)) return known;
+    return made.release();
+  }
+
+  const std::wstring remote;
+  mutable std::atomic<const std::wstring*> screen{nullptr};  // null until the service gave it
   const Record* next = nullptr;
 };
 
@@ -25,8 +38,10 @@ class NumericUnit::Vocabulary {
   }
 
   // Two threads may add the same unit; either record serves.
-  static const Record* Add(std::wstring_view remote, std::wstring_view screen) {
-    auto* const record = new Record{std::wstring(remote), std::wstring(screen), nullptr};
+  static const Record* Add(std::wstring_view remote) {
+    auto made = std::make_unique<Record>(remote);
+    (void)made->AskForScreen();  // so that the first text need not; a later one asks again
+    Record* const record = made.release();
     std::atomic<const Record*>& bucket = Bucket(remote);
     const Record* first = bucket.load(std::memory_order_relaxed);
     do {
@@ -55,13 +70,9 @@ HRESULT NumericUnit::Set(const wchar_t* remoteUnit, bool* changed) {
   *changed = false;
   const std::wstring_view unit = TextOrEmpty(remoteUnit);
   if (unit == Remote()) return S_OK;
+  if (const HRESULT result = ValidateUnit(remoteUnit); FAILED(result)) return result;
   const Record* record = Vocabulary::Find(unit);
-  if (record == nullptr) {
-    const std::wstring text(unit);
-    const HRESULT result = ValidateUnit(text.c_str());
-    if (FAILED(result)) return result;
-    record = Vocabulary::Add(unit, ScreenUnit(text.c_str()));
-  }
+  if (record == nullptr) record = Vocabulary::Add(unit);
   m_record.store(record, std::memory_order_release);
   *changed = true;
   return S_OK;
@@ -72,9 +83,12 @@ std::wstring_view NumericUnit::Remote() const noexcept {
   return record == nullptr ? std::wstring_view() : std::wstring_view(record->remote);
 }
 
-std::wstring_view NumericUnit::Screen() const noexcept {
+std::wstring_view NumericUnit::Screen() const {
   const Record* const record = m_record.load(std::memory_order_acquire);
-  return record == nullptr ? std::wstring_view() : std::wstring_view(record->screen);
+  if (record == nullptr) return {};
+  const std::wstring* screen = record->screen.load(std::memory_order_acquire);
+  if (screen == nullptr) screen = record->AskForScreen();
+  return screen == nullptr ? std::wstring_view() : std::wstring_view(*screen);
 }
 
 }  // namespace cvars

@@ -11,7 +11,8 @@ namespace cvars {
 /// The unit of a numeric cvar, in its remote and its screen spelling.
 ///
 /// Units come from a small vocabulary that many cvars share, so each spelling is kept once in the
-/// process and for its life; a cvar holds one pointer that any thread may read.
+/// process and for its life; a cvar holds one pointer that any thread may read. A screen spelling
+/// that the service could not give is asked for again at the next use.
 class CVARS_API NumericUnit {
  public:
   /// Sets the unit after the physical-unit service found it valid.
@@ -25,8 +26,9 @@ class CVARS_API NumericUnit {
 
   /// Remote spelling ("V"). @return lives as long as the process
   std::wstring_view Remote() const noexcept;
-  /// Screen spelling, as the service gave it. @return lives as long as the process
-  std::wstring_view Screen() const noexcept;
+  /// Screen spelling, as the service gave it; empty while it gives none.
+  /// @return lives as long as the process
+  std::wstring_view Screen() const;
 
  private:
   struct Record;

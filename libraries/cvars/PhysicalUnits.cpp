@@ -36,12 +36,14 @@ HRESULT ValidateUnit(const wchar_t* unit) {
   return valid != VARIANT_FALSE ? S_OK : E_INVALIDARG;
 }
 
-std::wstring ScreenUnit(const wchar_t* remoteUnit) {
+HRESULT ScreenUnit(const wchar_t* remoteUnit, std::wstring* screen) {
   const CComPtr<IVorPhysicalUnit> units = PhysicalUnitService();
-  CComBSTR screen;
-  if (!units || FAILED(units->GetScreenUnit(remoteUnit == nullptr ? L"" : remoteUnit, 0, &screen)))
-    return {};
-  return std::wstring(screen.View());
+  if (!units) return E_INVALIDARG;
+  CComBSTR text;
+  const HRESULT result = units->GetScreenUnit(remoteUnit == nullptr ? L"" : remoteUnit, 0, &text);
+  if (FAILED(result)) return result;
+  screen->assign(text.View());
+  return S_OK;
 }
 
 }  // namespace cvars

@@ -22,9 +22,12 @@ CVARS_API CComPtr<IVorPhysicalUnit> PhysicalUnitService();
 /// @return the failure of the service, or S_OK
 [[nodiscard]] CVARS_API HRESULT ValidateUnit(const wchar_t* unit);
 
-/// Gives the screen spelling of a unit; empty when there is no service or it fails.
+/// Asks the service for the screen spelling of a unit.
 ///
-/// @param remoteUnit  borrowed; null reads as empty.
-CVARS_API std::wstring ScreenUnit(const wchar_t* remoteUnit);
+/// @param remoteUnit   borrowed; null reads as empty.
+/// @param[out] screen  untouched on failure.
+/// @retval E_INVALIDARG  there is no service
+/// @return the failure of the service, or S_OK
+[[nodiscard]] CVARS_API HRESULT ScreenUnit(const wchar_t* remoteUnit, std::wstring* screen);
 
 }  // namespace cvars

@@ -2,35 +2,26 @@
 
 #include <gtest/gtest.h>
 
+#include <string>
 #include <thread>
 #include <vector>
 
-#include "platform/ComponentModule.h"
+#include "SameObjectFactory.h"
 #include "platform/Components.h"
 
 namespace {
 
-/// A factory that fails as often as it is asked.
-class FailingFactory final
-    : public cvars::platform::Component<cvars::platform::Offers<IClassFactory, IID_IClassFactory>> {
- public:
-  HRESULT CreateInstance(IUnknown*, REFIID, void** object) override {
-    *object = nullptr;
-    return E_FAIL;
-  }
-  HRESULT LockServer(int) override { return S_OK; }
-};
-
 // The first use in the process, so it stands first.
 TEST(PhysicalUnitServiceTest, AFailedCreationIsTriedAgainAndTheServiceIsKept) {
-  CComPtr<FailingFactory> factory;
-  factory.Attach(new FailingFactory);
+  const CComPtr<IClassFactory> factory = cvars::test::SameObjectFactory::Create(nullptr);
   DWORD cookie = 0;
   ASSERT_EQ(S_OK, CoRegisterClassObject(CLSID_PhysicalUnit, factory, CLSCTX_ALL, REGCLS_MULTIPLEUSE,
                                         &cookie));
   EXPECT_EQ(nullptr, static_cast<IVorPhysicalUnit*>(cvars::PhysicalUnitService()));
   EXPECT_EQ(E_INVALIDARG, cvars::ValidateUnit(L"V"));
-  EXPECT_EQ(L"", cvars::ScreenUnit(L"HZ"));
+  std::wstring screen = L"kept";
+  EXPECT_EQ(E_INVALIDARG, cvars::ScreenUnit(L"HZ", &screen));
+  EXPECT_EQ(L"kept", screen);
   ASSERT_EQ(S_OK, CoRevokeClassObject(cookie));
 
   IVorPhysicalUnit* const service = cvars::PhysicalUnitService();
@@ -60,9 +51,13 @@ TEST(UnitValidationTest, AsksTheService) {
 }
 
 TEST(ScreenUnitTest, AsksTheService) {
-  EXPECT_EQ(L"Hz", cvars::ScreenUnit(L"HZ"));
-  EXPECT_EQ(L"", cvars::ScreenUnit(nullptr));
-  EXPECT_EQ(L"volts", cvars::ScreenUnit(L"volts"));
+  std::wstring screen;
+  EXPECT_EQ(S_OK, cvars::ScreenUnit(L"HZ", &screen));
+  EXPECT_EQ(L"Hz", screen);
+  EXPECT_EQ(S_OK, cvars::ScreenUnit(L"volts", &screen));
+  EXPECT_EQ(L"volts", screen);
+  EXPECT_EQ(S_OK, cvars::ScreenUnit(nullptr, &screen));
+  EXPECT_EQ(L"", screen);
 }
 
 }  // namespace
