@@ -11,6 +11,7 @@
 #include <csignal>
 #include <string>
 #include <system_error>
+#include <thread>
 #include <utility>
 
 #include "instrument/remote/Connection.h"
@@ -24,6 +25,9 @@ using boost::system::error_code;
 
 /// Pause after a connection could not be accepted, when descriptors have run out for example.
 constexpr std::chrono::milliseconds kAcceptPause{50};
+/// How long the server stays awake after a command. A client that sends command after command then
+/// does not wait each time until a sleeping thread has been woken.
+constexpr std::chrono::microseconds kLinger{50};
 
 }  // namespace
 
@@ -54,12 +58,29 @@ class CommandServer::Loop {
 
   void Run() {
     Accept();
-    m_context.run();
+    if (std::thread::hardware_concurrency() < 2) {
+      m_context.run();
+      return;
+    }
+    while (m_context.run_one() != 0) Linger();
   }
 
   void Stop() { m_context.stop(); }
 
  private:
+  /// Stays awake for what comes next.
+  void Linger() {
+    using Clock = std::chrono::steady_clock;
+    Clock::time_point end = Clock::now() + kLinger;
+    while (Clock::now() < end) {
+      if (m_context.poll() != 0) {
+        end = Clock::now() + kLinger;
+      } else {
+        std::this_thread::yield();
+      }
+    }
+  }
+
   void Accept() {
     m_acceptor.async_accept([this](const error_code& error, tcp::socket socket) {
       if (error) return AcceptLater();
