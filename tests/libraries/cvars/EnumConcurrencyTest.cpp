@@ -27,16 +27,36 @@ const std::set<std::wstring> kChoices = {L"A", L"B", L"C", L"D", L"E", L"F", L"G
 
 bool IsChoiceOrNone(const std::wstring& text) { return text.empty() || kChoices.contains(text); }
 
-// "Type,Enum,Request,r,Adapt,a,Default,d,Flags,f,Range,e,(e),...": what is adapted is an enabled
-// entry of the same list. There always is one: the test leaves the first entry of each list alone,
-// and so never steps from no entry to no entry.
-bool IsConsistent(const std::wstring& signature) {
+// What a signature says of the list at one moment:
+// "Type,Enum,Request,r,Adapt,a,Default,d,Flags,f,Range,e,(e),...".
+struct Moment {
+  std::wstring requested;
+  std::wstring adapted;
+  std::vector<std::wstring> entries;  // the disabled ones in parentheses
+};
+Moment MomentOf(IVorCvar& cvar) {
+  const std::wstring signature = TextOf(cvar, &IVorCvar::get_Signature);
   const std::vector<std::wstring_view> fields = cvars::SplitText(signature, L',');
-  constexpr std::size_t kAdapted = 5;
   constexpr std::size_t kFirstEntry = 11;
-  if (fields.size() <= kFirstEntry || fields[kAdapted].empty()) return false;
-  const auto first = fields.begin() + kFirstEntry;
-  return std::find(first, fields.end(), fields[kAdapted]) != fields.end();
+  if (fields.size() <= kFirstEntry) return {};
+  return {std::wstring(fields[3]), std::wstring(fields[5]),
+          std::vector<std::wstring>(fields.begin() + kFirstEntry, fields.end())};
+}
+
+// What is adapted is an enabled entry of the same list. There always is one: the test leaves the
+// first entry of each list alone, and so never steps from no entry to no entry.
+bool IsConsistent(const Moment& moment) {
+  return std::count(moment.entries.begin(), moment.entries.end(), moment.adapted) != 0;
+}
+
+// The same, where there is none while no entry is enabled, or when none was requested, as a step
+// does that starts from none.
+bool IsConsistentOrNone(const Moment& moment) {
+  if (!moment.adapted.empty()) return IsConsistent(moment);
+  const bool noneEnabled =
+      std::all_of(moment.entries.begin(), moment.entries.end(),
+                  [](const std::wstring& entry) { return entry.starts_with(L'('); });
+  return noneEnabled || moment.requested.empty();
 }
 
 TEST(EnumConcurrency, ReadersSeeOnlyWhatWasValidAtSomeMoment) {
@@ -78,7 +98,7 @@ TEST(EnumConcurrency, ReadersSeeOnlyWhatWasValidAtSomeMoment) {
       start.arrive_and_wait();
       while (working.load() != 0) {
         if (!IsChoiceOrNone(TextOf(*cvar, &IVorCvar::GetAdaptedValueStringScreen))) ++wrong;
-        if (!IsConsistent(TextOf(*cvar, &IVorCvar::get_Signature))) ++wrong;
+        if (!IsConsistent(MomentOf(*cvar))) ++wrong;
         CComVariant value;
         if (cvar->get_Value(&value) != S_OK || !IsChoiceOrNone(value.bstrVal)) ++wrong;
         const std::wstring range = TextOf(*cvar, &IVorCvar::get_RangeStringScreen);
@@ -131,6 +151,62 @@ TEST(EnumConcurrency, LookUpsAnswerFromOneList) {
     changing = false;
   }
   EXPECT_EQ(0, wrong.load());
+}
+
+TEST(EnumConcurrency, EveryEntryIsDisabledAndEnabledAgain) {
+  constexpr int kEntries = 3;
+  const Enum cvar = CvarObject<CCvarEnum>::Create();
+  cvar->Initialize(L"Choice", L"A,B,C", 0, CVARFLAGS(0), nullptr, 0,
+                   REPLICATE_VALUE | REPLICATE_REQUESTED, 0);
+  std::atomic<int> working{3};
+  std::atomic<int> wrong{0};
+  std::barrier start(4);
+  {
+    std::vector<std::jthread> threads;
+    threads.emplace_back([&] {
+      start.arrive_and_wait();
+      for (int i = 0; i < kRounds; ++i) {
+        for (int entry = 0; entry < kEntries; ++entry) (void)cvar->Disable(entry);
+        for (int entry = 0; entry < kEntries; ++entry) (void)cvar->Enable(entry, 1);
+      }
+      --working;
+    });
+    threads.emplace_back([&] {
+      start.arrive_and_wait();
+      for (int i = 0; i < kRounds; ++i) (void)cvar->Enable(i % kEntries, i % 2);
+      --working;
+    });
+    threads.emplace_back([&] {
+      start.arrive_and_wait();
+      for (int i = 0; i < kRounds; ++i) {
+        (void)cvar->SetRequestedValue(i % kEntries);
+        (void)cvar->Increment(i % 2 == 0 ? 1 : -1);
+        (void)cvar->SetRequestedValueFromString(L"b");
+        if (i % 8 == 0) (void)cvar->SetWrapModeOn(i % 16 == 0 ? 1 : 0);
+      }
+      --working;
+    });
+    threads.emplace_back([&] {
+      start.arrive_and_wait();
+      while (working.load() != 0) {
+        if (!IsConsistentOrNone(MomentOf(*cvar))) ++wrong;
+        if (!IsChoiceOrNone(TextOf(*cvar, &IVorCvar::GetAdaptedValueStringScreen))) ++wrong;
+        const int enabled = cvar->GetNumberOfEnabledValueStates();
+        if (enabled < 0 || enabled > kEntries) ++wrong;
+        int index = kEntries;
+        if (cvar->GetAdaptedValue(&index) != S_OK || index < -1 || index >= kEntries) ++wrong;
+      }
+    });
+  }
+  EXPECT_EQ(0, wrong.load());
+
+  // The end is as if one thread had done it all.
+  (void)cvar->SetWrapModeOn(0);
+  EXPECT_EQ(S_OK, cvar->SetRequestedValue(0));
+  for (int entry = 0; entry < kEntries; ++entry) EXPECT_GE(cvar->Disable(entry), S_OK);
+  EXPECT_EQ(L"", TextOf(*cvar, &IVorCvar::GetAdaptedValueStringScreen));
+  EXPECT_EQ(S_OK, cvar->Enable(2, 1));
+  EXPECT_EQ(L"C", TextOf(*cvar, &IVorCvar::GetAdaptedValueStringScreen));
 }
 
 TEST(EnumConcurrency, ListenersAreCalledOutsideTheLock) {
