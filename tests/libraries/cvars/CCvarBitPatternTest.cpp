@@ -13,7 +13,6 @@
 
 namespace {
 
-using cvars::test::PropertiesOf;
 using cvars::test::RecordingListener;
 using cvars::test::TextOf;
 
@@ -473,14 +472,12 @@ TEST_F(BitPatternTest, SignatureNamesTheMaximumLength) {
 
 TEST_F(BitPatternTest, PropertiesAddTheValuesAndTheMaximumLength) {
   const Pattern cvar = Make({.defaultValue = L"1x", .maxBits = 16, .numBits = 10});
-  const std::map<std::wstring, CComVariant> properties = PropertiesOf(*cvar);
-  EXPECT_EQ(properties.size(), cvars::test::kCommonProperties + 5);
-  EXPECT_STREQ(properties.at(L"RequestedValue").bstrVal, L"1X");
-  EXPECT_STREQ(properties.at(L"AdaptedValue").bstrVal, L"000000001X");
-  EXPECT_STREQ(properties.at(L"AdaptedValueStringScreen").bstrVal, L"00 0000001X");
-  EXPECT_STREQ(properties.at(L"Default").bstrVal, L"1x");
-  EXPECT_EQ(properties.at(L"MaxBits").vt, VT_I4);
-  EXPECT_EQ(properties.at(L"MaxBits").lVal, 16);
+  EXPECT_EQ(cvars::test::OwnPropertiesOf(*cvar),
+            (cvars::test::Properties{{L"AdaptedValue", VT_BSTR, L"000000001X"},
+                                     {L"AdaptedValueStringScreen", VT_BSTR, L"00 0000001X"},
+                                     {L"Default", VT_BSTR, L"1x"},
+                                     {L"MaxBits", VT_I4, L"16"},
+                                     {L"RequestedValue", VT_BSTR, L"1X"}}));
 }
 
 // Range -------------------------------------------------------------------------------------------

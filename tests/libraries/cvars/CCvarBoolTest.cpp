@@ -7,13 +7,12 @@
 
 #include "CvarObject.h"
 #include "LiveCvars.h"
-#include "PropertyOf.h"
+#include "ReadProperties.h"
 #include "ReadText.h"
 #include "RecordingListener.h"
 
 namespace {
 
-using cvars::test::PropertyOf;
 using cvars::test::RecordingListener;
 using cvars::test::TextOf;
 using Masks = std::vector<NOTIFYTYPE>;
@@ -350,10 +349,10 @@ TEST_F(BoolTest, TheSignatureShowsRemoteTexts) {
 TEST_F(BoolTest, PropertiesAddTheTriple) {
   const Bool cvar = MakeBool(L"Off,On", 1);
   EXPECT_EQ(S_OK, cvar->Enable(1, false));
-  EXPECT_EQ(1, PropertyOf(*cvar, L"RequestedValue").lVal);
-  EXPECT_EQ(0, PropertyOf(*cvar, L"AdaptedValue").lVal);
-  EXPECT_EQ(1, PropertyOf(*cvar, L"Default").lVal);
-  EXPECT_STREQ(L"Bool", PropertyOf(*cvar, L"Type").bstrVal);
+  EXPECT_EQ(cvars::test::OwnPropertiesOf(*cvar),
+            (cvars::test::Properties{{L"AdaptedValue", VT_I4, L"0"},
+                                     {L"Default", VT_I4, L"1"},
+                                     {L"RequestedValue", VT_I4, L"1"}}));
 }
 
 TEST_F(BoolTest, NullPointersAreRefused) {

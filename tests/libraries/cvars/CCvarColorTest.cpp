@@ -7,13 +7,12 @@
 
 #include "CvarObject.h"
 #include "LiveCvars.h"
-#include "PropertyOf.h"
+#include "ReadProperties.h"
 #include "ReadText.h"
 #include "RecordingListener.h"
 
 namespace {
 
-using cvars::test::PropertyOf;
 using cvars::test::RecordingListener;
 using cvars::test::TextOf;
 using Masks = std::vector<NOTIFYTYPE>;
@@ -229,9 +228,10 @@ TEST_F(ColorTest, ANegativeDefaultHasEightDigits) {
 TEST_F(ColorTest, PropertiesAddTheTriple) {
   const Color cvar = MakeColor(3);
   EXPECT_EQ(S_OK, cvar->SetRequestedValue(-4));
-  EXPECT_EQ(-4, PropertyOf(*cvar, L"RequestedValue").lVal);
-  EXPECT_EQ(0, PropertyOf(*cvar, L"AdaptedValue").lVal);
-  EXPECT_EQ(3, PropertyOf(*cvar, L"Default").lVal);
+  EXPECT_EQ(cvars::test::OwnPropertiesOf(*cvar),
+            (cvars::test::Properties{{L"AdaptedValue", VT_I4, L"0"},
+                                     {L"Default", VT_I4, L"3"},
+                                     {L"RequestedValue", VT_I4, L"-4"}}));
 }
 
 TEST_F(ColorTest, NullPointersAreRefused) {

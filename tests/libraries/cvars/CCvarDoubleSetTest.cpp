@@ -3,12 +3,15 @@
 #include <gtest/gtest.h>
 
 #include <limits>
+#include <map>
+#include <string>
 
 #include "CCvarIntSet.h"
 #include "CCvarLongIntSet.h"
 #include "CvarObject.h"
 #include "LiveCvars.h"
 #include "Randomness.h"
+#include "ReadProperties.h"
 #include "ReadText.h"
 #include "RecordingListener.h"
 
@@ -155,6 +158,23 @@ TYPED_TEST(ValueSetCvarTest, TheSignatureShowsPolicyAndMembers) {
     EXPECT_EQ(TextOf(*cvar, &IVorCvar::get_Signature),
               L"Type," + type + L",Request,2,Adapt,2,Default,2,AdaptPolicy," + kNames[policy] +
                   L",Values,(1,2,5),Unit,HZ,Flags,R");
+  }
+}
+
+TYPED_TEST(ValueSetCvarTest, PropertiesAddPolicyAndMembersToThoseOfTheNumber) {
+  const auto cvar = this->Make({5, 1, 2}, ADAPT_CLOSEST_UP, 2);
+  EXPECT_EQ(cvar->SetRequestedValue(4), S_OK);
+  std::map<std::wstring, std::wstring> texts;
+  for (const auto& property : cvars::test::OwnPropertiesOf(*cvar))
+    texts[property.name] = property.text;
+  EXPECT_EQ(texts.size(), 10u);
+  EXPECT_EQ(texts[L"AdaptPolicy"], L"ClosestUp");
+  EXPECT_EQ(texts[L"Values"], L"1,2,5");
+  EXPECT_EQ(texts[L"RequestedValue"], L"4");
+  EXPECT_EQ(texts[L"AdaptedValue"], L"5");
+  EXPECT_EQ(texts[L"Default"], L"2");
+  for (const wchar_t* name : {L"AdaptedValueStringScreen", L"Grain", L"Max", L"Min", L"Unit"}) {
+    EXPECT_EQ(texts.count(name), 1u);
   }
 }
 

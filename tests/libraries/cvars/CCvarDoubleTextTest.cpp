@@ -8,6 +8,7 @@
 #include "CCvarDouble.h"
 #include "CvarObject.h"
 #include "LiveCvars.h"
+#include "ReadProperties.h"
 #include "ReadText.h"
 #include "RecordingListener.h"
 #include "SampleCvars.h"
@@ -202,23 +203,18 @@ TEST_F(DoubleText, SignatureNamesEveryNumber) {
 }
 
 TEST_F(DoubleText, PropertiesAddTheNumbers) {
-  const Double cvar = MakeDouble(L"V");
-  CComVariant properties;
-  ASSERT_EQ(cvar->GetSignature(&properties), S_OK);
-  std::vector<std::wstring> keys;
-  LONG last = -1;
-  ASSERT_EQ(SafeArrayGetUBound(properties.parray, 2, &last), S_OK);
-  for (LONG i = 0; i <= last; ++i) {
-    const LONG index[2] = {0, i};
-    CComVariant key;
-    ASSERT_EQ(SafeArrayGetElement(properties.parray, index, &key), S_OK);
-    keys.emplace_back(key.bstrVal);
-  }
-  EXPECT_EQ(keys,
-            (std::vector<std::wstring>{L"AdaptedValue", L"AdaptedValueStringScreen", L"Default",
-                                       L"Flags", L"FlagsString", L"Grain", L"GuiHints",
-                                       L"HelpString", L"IconID", L"IconModuleInstance", L"Max",
-                                       L"Min", L"Name", L"RequestedValue", L"Type", L"Unit"}));
+  const Double cvar = CvarObject<CCvarDouble>::Create();
+  cvar->Initialize(L"Level", 0.5, -10, 10, 0.25, L"V", CVARFLAGS(0), nullptr, 0, REPLICATE_VALUE);
+  ASSERT_EQ(cvar->SetRequestedValue(1.4), S_OK);
+  EXPECT_EQ(cvars::test::OwnPropertiesOf(*cvar),
+            (cvars::test::Properties{{L"AdaptedValue", VT_R8, L"1.5"},
+                                     {L"AdaptedValueStringScreen", VT_BSTR, L"1.5 V"},
+                                     {L"Default", VT_R8, L"0.5"},
+                                     {L"Grain", VT_R8, L"0.25"},
+                                     {L"Max", VT_R8, L"10"},
+                                     {L"Min", VT_R8, L"-10"},
+                                     {L"RequestedValue", VT_R8, L"1.4"},
+                                     {L"Unit", VT_BSTR, L"V"}}));
 }
 
 // A source ----------------------------------------------------------------------------------------

@@ -1,4 +1,5 @@
 #include "EnumCvarTest.h"
+#include "ReadProperties.h"
 
 namespace {
 
@@ -312,12 +313,12 @@ TEST(EnumSignatureTest, AnIndexWithoutEntryIsEmpty) {
 
 TEST(EnumPropertiesTest, AddsItsOwnToTheCommonOnes) {
   const Enum cvar = MakeEnum(L"A,B b", 1);
-  EXPECT_EQ(1, PropertyOf(*cvar, L"RequestedValue").lVal);
-  EXPECT_EQ(1, PropertyOf(*cvar, L"AdaptedValue").lVal);
-  EXPECT_EQ(1, PropertyOf(*cvar, L"Default").lVal);
-  EXPECT_STREQ(L"B b", PropertyOf(*cvar, L"AdaptedValueStringScreen").bstrVal);
-  EXPECT_STREQ(L"A|A|A,B b|Bb|BB", PropertyOf(*cvar, L"Range").bstrVal);
-  EXPECT_STREQ(L"Enum", PropertyOf(*cvar, L"Type").bstrVal);
+  EXPECT_EQ(cvars::test::OwnPropertiesOf(*cvar),
+            (cvars::test::Properties{{L"AdaptedValue", VT_I4, L"1"},
+                                     {L"AdaptedValueStringScreen", VT_BSTR, L"B b"},
+                                     {L"Default", VT_I4, L"1"},
+                                     {L"Range", VT_BSTR, L"A|A|A,B b|Bb|BB"},
+                                     {L"RequestedValue", VT_I4, L"1"}}));
 }
 
 // Pointers

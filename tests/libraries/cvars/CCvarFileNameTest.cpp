@@ -5,6 +5,7 @@
 #include "CvarObject.h"
 #include "IsolatedHome.h"
 #include "LockedDrive.h"
+#include "ReadProperties.h"
 #include "RecordingListener.h"
 #include "SafeArray.h"
 #include "platform/Registry.h"
@@ -241,11 +242,16 @@ TEST_F(FileName, SignatureAndParts) {
 
 TEST_F(FileName, PropertiesAddItsEight) {
   const File cvar = Make(L"filename", L"a.trc", L"D:\\Data");
-  CComVariant properties;
-  ASSERT_EQ(cvar->GetSignature(&properties), S_OK);
-  LONG last = 0;
-  ASSERT_EQ(SafeArrayGetUBound(properties.parray, 2, &last), S_OK);
-  EXPECT_EQ(last, 15);
+  ASSERT_EQ(cvar->SetRequestedValue(L"E:\\b.trc"), S_OK);
+  EXPECT_EQ(cvars::test::OwnPropertiesOf(*cvar),
+            (cvars::test::Properties{{L"AdaptedValue", VT_BSTR, L"b.trc"},
+                                     {L"AdaptedValueStringScreen", VT_BSTR, L"b.trc"},
+                                     {L"Default", VT_BSTR, L"a.trc"},
+                                     {L"Filters", VT_BSTR, L"Traces|*.trc"},
+                                     {L"MaxLength", VT_I4, L"16"},
+                                     {L"Path", VT_BSTR, L"E:"},
+                                     {L"RequestedValue", VT_BSTR, L"b.trc"},
+                                     {L"Root", VT_BSTR, L"D:\\"}}));
 }
 
 }  // namespace

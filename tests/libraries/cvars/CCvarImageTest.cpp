@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "CvarObject.h"
+#include "ReadProperties.h"
 #include "RecordingListener.h"
 #include "SafeArray.h"
 #include "platform/Bitmap.h"
@@ -135,11 +136,13 @@ TEST(ImageValue, IsAPlaceholderThatCannotBeWritten) {
 
 TEST(ImageProperties, AddFour) {
   const Image cvar = MakeImage();
-  CComVariant properties;
-  ASSERT_EQ(cvar->GetSignature(&properties), S_OK);
-  LONG last = 0;
-  ASSERT_EQ(SafeArrayGetUBound(properties.parray, 2, &last), S_OK);
-  EXPECT_EQ(last, 11);
+  HBITMAP bitmap = nullptr;
+  ASSERT_EQ(cvar->CreateBitmap(4, 3, &bitmap), S_OK);
+  EXPECT_EQ(cvars::test::OwnPropertiesOf(*cvar),
+            (cvars::test::Properties{{L"AdaptedValue", VT_BSTR, L"<image>"},
+                                     {L"Bits", VT_I4, L"0"},
+                                     {L"Height", VT_I4, L"3"},
+                                     {L"Width", VT_I4, L"4"}}));
   unsigned int help = 0;
   EXPECT_EQ(cvar->get_HelpStringID(&help), S_OK);
   EXPECT_EQ(help, 7u);

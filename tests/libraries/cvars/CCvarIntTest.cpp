@@ -7,6 +7,7 @@
 #include <limits>
 
 #include "IntegerCvarTest.h"
+#include "ReadProperties.h"
 #include "ReadText.h"
 #include "RecordingListener.h"
 #include "SafeArray.h"
@@ -443,39 +444,16 @@ TYPED_TEST(IntegerCvarTest, VariantsConvertOrAreReadAsScreenTexts) {
 
 TYPED_TEST(IntegerCvarTest, PropertiesShowRangeAndUnit) {
   const auto cvar = this->Make(0, 100, 10, 42, L"SWEEP");
-  CComVariant array;
-  ASSERT_EQ(cvar->GetSignature(&array), S_OK);
-  ASSERT_EQ(array.vt, VT_ARRAY | VT_VARIANT);
-  const std::pair<const wchar_t*, int> expected[] = {{L"RequestedValue", 42}, {L"AdaptedValue", 40},
-                                                     {L"Default", 42},        {L"Min", 0},
-                                                     {L"Max", 100},           {L"Grain", 10}};
-  int found = 0;
-  LONG last = 0;
-  ASSERT_EQ(SafeArrayGetUBound(array.parray, 2, &last), S_OK);
-  for (LONG i = 0; i <= last; ++i) {
-    const LONG nameAt[] = {0, i};
-    const LONG valueAt[] = {1, i};
-    CComVariant name;
-    CComVariant value;
-    ASSERT_EQ(SafeArrayGetElement(array.parray, nameAt, &name), S_OK);
-    ASSERT_EQ(SafeArrayGetElement(array.parray, valueAt, &value), S_OK);
-    const std::wstring_view text = name.bstrVal;
-    for (const auto& [wanted, number] : expected) {
-      if (text != wanted) continue;
-      ++found;
-      EXPECT_EQ(value.vt, this->kWide ? VT_I8 : VT_I4) << i;
-      EXPECT_EQ(this->kWide ? value.llVal : value.lVal, number);
-    }
-    if (text == L"AdaptedValueStringScreen") {
-      ++found;
-      EXPECT_STREQ(value.bstrVal, L"40 sweeps");
-    }
-    if (text == L"Unit") {
-      ++found;
-      EXPECT_STREQ(value.bstrVal, L"SWEEP");
-    }
-  }
-  EXPECT_EQ(found, 8);
+  const VARTYPE number = this->kWide ? VT_I8 : VT_I4;
+  EXPECT_EQ(cvars::test::OwnPropertiesOf(*cvar),
+            (cvars::test::Properties{{L"AdaptedValue", number, L"40"},
+                                     {L"AdaptedValueStringScreen", VT_BSTR, L"40 sweeps"},
+                                     {L"Default", number, L"42"},
+                                     {L"Grain", number, L"10"},
+                                     {L"Max", number, L"100"},
+                                     {L"Min", number, L"0"},
+                                     {L"RequestedValue", number, L"42"},
+                                     {L"Unit", VT_BSTR, L"SWEEP"}}));
 }
 
 TYPED_TEST(IntegerCvarTest, ATypedReadSendsTheLateUpdateFirst) {

@@ -4,6 +4,7 @@
 
 #include "CCvarBag.h"
 #include "CvarObject.h"
+#include "ReadProperties.h"
 #include "RecordingListener.h"
 #include "platform/MessageBoxPresenter.h"
 
@@ -154,6 +155,16 @@ TEST(ObjectNameDefault, IsKeptJoined) {
   EXPECT_EQ(cvar->SetDefaultValue(L"Other"), S_OK);
   EXPECT_EQ(cvar->SetToDefault(), S_OK);
   EXPECT_EQ(Adapted(cvar), L"Other|Other|OTHER");
+}
+
+TEST(ObjectNameProperties, AddTheJoinedNamesAndTheScreenName) {
+  const Name cvar = MakeName(L"Math 1", 9);
+  EXPECT_EQ(cvars::test::OwnPropertiesOf(*cvar),
+            (cvars::test::Properties{{L"AdaptedValue", VT_BSTR, L"Math 1|Ma"},
+                                     {L"AdaptedValueStringScreen", VT_BSTR, L"Math 1"},
+                                     {L"Default", VT_BSTR, L"Math 1|Math1|MATH1"},
+                                     {L"MaxLen", VT_I4, L"9"},
+                                     {L"RequestedValue", VT_BSTR, L"Math 1|Math1|MATH1"}}));
 }
 
 }  // namespace

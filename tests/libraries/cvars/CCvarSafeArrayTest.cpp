@@ -6,6 +6,7 @@
 #include <initializer_list>
 
 #include "CvarObject.h"
+#include "ReadProperties.h"
 #include "RecordingListener.h"
 #include "SafeArray.h"
 #include "TableText.h"
@@ -393,11 +394,10 @@ TEST(ArrayTexts, SignatureAndProperties) {
   const Array cvar = MakeArray(L"12;-4", L"3,0,10,1");
   EXPECT_EQ(Text(cvar, &IVorCvar::get_Signature),
             L"Type,SafeArray,Request,12;-4,Adapt,10;0,Default,12;-4,Range,3,0,10,1,Flags,-");
-  CComVariant properties;
-  ASSERT_EQ(cvar->GetSignature(&properties), S_OK);
-  LONG last = 0;
-  ASSERT_EQ(SafeArrayGetUBound(properties.parray, 2, &last), S_OK);
-  EXPECT_EQ(last, 10);
+  EXPECT_EQ(cvars::test::OwnPropertiesOf(*cvar),
+            (cvars::test::Properties{{L"AdaptedValue", VT_ARRAY | VT_VARIANT, L""},
+                                     {L"Range", VT_BSTR, L"3,0,10,1"},
+                                     {L"RequestedValue", VT_ARRAY | VT_VARIANT, L""}}));
   int adapted = 0;
   EXPECT_EQ(cvar->get_IsValueAdapted(&adapted), S_OK);
   EXPECT_EQ(adapted, 1);

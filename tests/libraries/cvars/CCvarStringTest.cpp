@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "CvarObject.h"
+#include "ReadProperties.h"
 #include "RecordingListener.h"
 #include "SafeArray.h"
 
@@ -166,11 +167,12 @@ TEST(StringTexts, SignatureShowsAnUnlimitedLengthAsMinusOne) {
 
 TEST(StringTexts, PropertiesAddTheThreeValuesAndTheLength) {
   const String cvar = MakeString(5, L"def");
-  CComVariant properties;
-  ASSERT_EQ(cvar->GetSignature(&properties), S_OK);
-  LONG last = 0;
-  ASSERT_EQ(SafeArrayGetUBound(properties.parray, 2, &last), S_OK);
-  EXPECT_EQ(last, 11);  // eight common entries and four of its own
+  ASSERT_EQ(cvar->SetRequestedValue(L"abcdefg"), S_OK);
+  EXPECT_EQ(cvars::test::OwnPropertiesOf(*cvar),
+            (cvars::test::Properties{{L"AdaptedValue", VT_BSTR, L"abcde"},
+                                     {L"Default", VT_BSTR, L"def"},
+                                     {L"MaxLen", VT_I4, L"5"},
+                                     {L"RequestedValue", VT_BSTR, L"abcdefg"}}));
 }
 
 TEST(StringNorm, HasNoPosition) {

@@ -7,6 +7,7 @@
 
 #include "CComSafeArray.h"
 #include "LiveCvars.h"
+#include "ReadProperties.h"
 #include "ReadText.h"
 #include "RecordingListener.h"
 #include "SampleCvars.h"
@@ -186,52 +187,18 @@ TEST_F(CvarDefaults, NormalisedValueIsThePositionInTheRange) {
 
 // Properties --------------------------------------------------------------------------------------
 
-struct Property {
-  std::wstring name;
-  VARTYPE type;
-  std::wstring text;
-  bool operator==(const Property&) const = default;
-};
-
-// Names, tags and texts of an array of properties, in its order.
-std::vector<Property> PropertiesOf(IVorCvar& cvar) {
-  CComVariant array;
-  EXPECT_EQ(cvar.GetSignature(&array), S_OK);
-  EXPECT_EQ(array.vt, VT_ARRAY | VT_VARIANT);
-  EXPECT_EQ(SafeArrayGetDim(array.parray), 2u);
-  LONG bounds[4] = {9, 9, 9, 9};
-  EXPECT_EQ(SafeArrayGetLBound(array.parray, 1, &bounds[0]), S_OK);
-  EXPECT_EQ(SafeArrayGetUBound(array.parray, 1, &bounds[1]), S_OK);
-  EXPECT_EQ(SafeArrayGetLBound(array.parray, 2, &bounds[2]), S_OK);
-  EXPECT_EQ(SafeArrayGetUBound(array.parray, 2, &bounds[3]), S_OK);
-  EXPECT_EQ(bounds[0], 0);
-  EXPECT_EQ(bounds[1], 1);
-  EXPECT_EQ(bounds[2], 0);
-  std::vector<Property> properties;
-  for (LONG i = 0; i <= bounds[3]; ++i) {
-    const LONG keyIndex[2] = {0, i};
-    const LONG valueIndex[2] = {1, i};
-    CComVariant key;
-    CComVariant value;
-    EXPECT_EQ(SafeArrayGetElement(array.parray, keyIndex, &key), S_OK);
-    EXPECT_EQ(SafeArrayGetElement(array.parray, valueIndex, &value), S_OK);
-    EXPECT_EQ(key.vt, VT_BSTR);
-    const VARTYPE type = value.vt;
-    EXPECT_EQ(value.ChangeType(VT_BSTR), S_OK);
-    properties.push_back({key.bstrVal, type, value.bstrVal});
-  }
-  return properties;
-}
+using cvars::test::Properties;
+using cvars::test::PropertiesOf;
 
 TEST_F(CvarDefaults, PropertiesOfAPlainCvarAreTheEightCommonOnesByName) {
-  EXPECT_EQ(PropertiesOf(*plain), (std::vector<Property>{{L"Flags", VT_I4, L"0"},
-                                                         {L"FlagsString", VT_BSTR, L"-"},
-                                                         {L"GuiHints", VT_BSTR, L""},
-                                                         {L"HelpString", VT_BSTR, L""},
-                                                         {L"IconID", VT_UI4, L"0"},
-                                                         {L"IconModuleInstance", VT_I4, L"0"},
-                                                         {L"Name", VT_BSTR, L"(unnamedCvar)"},
-                                                         {L"Type", VT_BSTR, L""}}));
+  EXPECT_EQ(PropertiesOf(*plain), (Properties{{L"Flags", VT_I4, L"0"},
+                                              {L"FlagsString", VT_BSTR, L"-"},
+                                              {L"GuiHints", VT_BSTR, L""},
+                                              {L"HelpString", VT_BSTR, L""},
+                                              {L"IconID", VT_UI4, L"0"},
+                                              {L"IconModuleInstance", VT_I4, L"0"},
+                                              {L"Name", VT_BSTR, L"(unnamedCvar)"},
+                                              {L"Type", VT_BSTR, L""}}));
 }
 
 TEST_F(CvarDefaults, AClassAddsItsPropertiesInTheirPlace) {
@@ -239,15 +206,15 @@ TEST_F(CvarDefaults, AClassAddsItsPropertiesInTheirPlace) {
   (void)sample->SetFlags(static_cast<long>(static_cast<std::int32_t>(0x80000003)));
   sample->SetGuiHints(L"Knob");
   sample->SetIcon(0xFFFFFFFF, 7);
-  EXPECT_EQ(PropertiesOf(*sample), (std::vector<Property>{{L"Added", VT_I4, L"7"},
-                                                          {L"Flags", VT_I4, L"-2147483645"},
-                                                          {L"FlagsString", VT_BSTR, L"RH"},
-                                                          {L"GuiHints", VT_BSTR, L"Knob"},
-                                                          {L"HelpString", VT_BSTR, L""},
-                                                          {L"IconID", VT_UI4, L"4294967295"},
-                                                          {L"IconModuleInstance", VT_I4, L"7"},
-                                                          {L"Name", VT_BSTR, L"Mode"},
-                                                          {L"Type", VT_BSTR, L"Sample"}}));
+  EXPECT_EQ(PropertiesOf(*sample), (Properties{{L"Added", VT_I4, L"7"},
+                                               {L"Flags", VT_I4, L"-2147483645"},
+                                               {L"FlagsString", VT_BSTR, L"RH"},
+                                               {L"GuiHints", VT_BSTR, L"Knob"},
+                                               {L"HelpString", VT_BSTR, L""},
+                                               {L"IconID", VT_UI4, L"4294967295"},
+                                               {L"IconModuleInstance", VT_I4, L"7"},
+                                               {L"Name", VT_BSTR, L"Mode"},
+                                               {L"Type", VT_BSTR, L"Sample"}}));
 }
 
 TEST_F(CvarDefaults, PropertiesThatFailLeaveAnEmptyVariant) {

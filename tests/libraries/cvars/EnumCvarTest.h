@@ -8,7 +8,6 @@
 #include <string>
 #include "CCvarEnum.h"
 #include "CvarObject.h"
-#include "PropertyOf.h"
 #include "RecordingListener.h"
 
 namespace cvars::test {
