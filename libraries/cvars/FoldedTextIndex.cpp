@@ -1,7 +1,6 @@
 #include "FoldedTextIndex.h"
 
 #include <algorithm>
-#include <cstring>
 #include <memory>
 
 #include "TextCase.h"
@@ -11,34 +10,19 @@ namespace {
 
 constexpr std::size_t kFirstSlots = 16;
 constexpr std::size_t kFirstBlocks = 64;
-constexpr std::size_t kBlockCharacters = 2;
-static_assert(sizeof(std::uint64_t) == kBlockCharacters * sizeof(wchar_t));
+// Characters in a block of a text that is folded to ASCII, and of any other text.
+constexpr std::size_t kPackedCharacters = 8;
+constexpr std::size_t kWideCharacters = 2;
+static_assert(sizeof(std::uint64_t) == kWideCharacters * sizeof(wchar_t));
 
-/// The same number for both characters of a block.
-constexpr std::uint64_t Both(std::uint32_t number) noexcept {
-  return number * std::uint64_t{0x1'0000'0001};
-}
-
-constexpr bool IsAscii(std::uint64_t block) noexcept {
-  return (block & Both(~std::uint32_t{0x7F})) == 0;
-}
-
-/// Folds two characters of ASCII at once.
+/// Folds eight characters of ASCII at once.
 constexpr std::uint64_t FoldedAscii(std::uint64_t block) noexcept {
+  constexpr std::uint64_t kEach = 0x0101'0101'0101'0101;
+  constexpr std::uint64_t kBit = 0x80;
   // Adding carries into bit 7 from 'a' on, and once more from the character behind 'z' on.
-  constexpr std::uint32_t kBit = 0x80;
-  const std::uint64_t fromA = block + Both(kBit - L'a');
-  const std::uint64_t behindZ = block + Both(kBit - L'z' - 1);
-  return block - ((fromA & ~behindZ & Both(kBit)) >> 2);
-}
-
-std::uint64_t Folded(std::uint64_t block) noexcept {
-  if (IsAscii(block)) return FoldedAscii(block);
-  wchar_t characters[kBlockCharacters];
-  std::memcpy(characters, &block, sizeof(block));
-  for (wchar_t& c : characters) c = FoldedCharacter(c);
-  std::memcpy(&block, characters, sizeof(block));
-  return block;
+  const std::uint64_t fromA = block + kEach * (kBit - 'a');
+  const std::uint64_t behindZ = block + kEach * (kBit - 'z' - 1);
+  return block - ((fromA & ~behindZ & kEach * kBit) >> 2);
 }
 
 /// A sum of products, so that none waits for another; the multipliers are odd and differ from place
@@ -71,78 +55,6 @@ void Write(Word& word, std::uint64_t value) noexcept {
   word.store(value, std::memory_order_release);
 }
 
-/// A text as it is looked up: folded without a copy on the heap.
-///
-/// Short texts of ASCII, which nearly all are, are folded once and kept; others are folded again
-/// when they are compared.
-class FoldedText {
- public:
-  explicit FoldedText(std::wstring_view text) noexcept : m_text(text) {
-    if (!KeepAscii()) FoldAny();
-  }
-
-  std::uint32_t Hash() const noexcept { return m_hash; }
-  std::size_t Length() const noexcept { return m_text.size(); }
-  std::size_t BlockCount() const noexcept {
-    return (m_text.size() + kBlockCharacters - 1) / kBlockCharacters;
-  }
-  std::uint64_t BlockAt(std::size_t i) const noexcept { return Folded(RawBlock(i)); }
-
-  /// Compares with as many blocks.
-  bool Is(const Word* stored) const noexcept {
-    const std::size_t count = BlockCount();
-    std::uint64_t different = 0;
-    if (m_isKept) {
-      for (std::size_t i = 0; i < count; ++i) different |= Read(stored[i]) ^ m_kept[i];
-    } else {
-      for (std::size_t i = 0; i < count; ++i) different |= Read(stored[i]) ^ BlockAt(i);
-    }
-    return different == 0;
-  }
-
- private:
-  static constexpr std::size_t kKeptBlocks = 24;
-
-  bool KeepAscii() noexcept {
-    const std::size_t pairs = m_text.size() / kBlockCharacters;
-    if (pairs >= kKeptBlocks) return false;
-    Hasher hasher(m_text.size());
-    std::uint64_t every = 0;
-    std::size_t i = 0;
-    const auto keep = [&](std::uint64_t block) noexcept {
-      every |= block;
-      hasher.Add(m_kept[i] = FoldedAscii(block));
-    };
-    for (; i < pairs; ++i) keep(RawPair(i));
-    if (m_text.size() % kBlockCharacters != 0) keep(static_cast<std::uint32_t>(m_text.back()));
-    m_hash = hasher.Value();
-    m_isKept = IsAscii(every);
-    return m_isKept;
-  }
-
-  void FoldAny() noexcept {
-    Hasher hasher(m_text.size());
-    for (std::size_t i = 0; i < BlockCount(); ++i) hasher.Add(BlockAt(i));
-    m_hash = hasher.Value();
-  }
-
-  std::uint64_t RawPair(std::size_t i) const noexcept {
-    std::uint64_t block;
-    std::memcpy(&block, m_text.data() + i * kBlockCharacters, sizeof(block));
-    return block;
-  }
-  /// Never reads behind the end of the text.
-  std::uint64_t RawBlock(std::size_t i) const noexcept {
-    if (i * kBlockCharacters + 1 != m_text.size()) return RawPair(i);
-    return static_cast<std::uint32_t>(m_text.back());
-  }
-
-  std::wstring_view m_text;
-  std::uint32_t m_hash = 0;
-  bool m_isKept = false;
-  std::uint64_t m_kept[kKeptBlocks];
-};
-
 constexpr std::uint64_t Joined(std::uint32_t high, std::uint32_t low) noexcept {
   return std::uint64_t{high} << 32 | low;
 }
@@ -153,8 +65,91 @@ constexpr std::uint32_t LowOf(std::uint64_t word) noexcept {
   return static_cast<std::uint32_t>(word);
 }
 
+/// A text as it is looked up: folded without a copy on the heap.
+///
+/// Texts that are short and folded to ASCII, which nearly all are, are packed once; others are
+/// folded again when they are compared.
+class FoldedText {
+ public:
+  explicit FoldedText(std::wstring_view text) noexcept : m_text(text) {
+    // Few characters besides those of ASCII are folded to one of them.
+    if (Pack([](wchar_t c) { return c; }) || Pack(FoldedCharacter)) return;
+    Hasher hasher(m_text.size());
+    for (std::size_t i = 0; i < BlockCount(); ++i) hasher.Add(WideBlock(i));
+    m_hash = hasher.Value();
+  }
+
+  std::uint32_t Hash() const noexcept { return m_hash; }
+  /// Differs between texts that differ in hash, length or the kind of their blocks.
+  std::uint64_t Key() const noexcept {
+    return Joined(m_hash, static_cast<std::uint32_t>(m_text.size() * 2 + (m_isPacked ? 1 : 0)));
+  }
+  std::size_t BlockCount() const noexcept {
+    const std::size_t characters = m_isPacked ? kPackedCharacters : kWideCharacters;
+    return (m_text.size() + characters - 1) / characters;
+  }
+  std::uint64_t BlockAt(std::size_t i) const noexcept {
+    return m_isPacked ? m_packed[i] : WideBlock(i);
+  }
+
+  /// Compares with the blocks of a text that has the same key.
+  bool Is(const Word* stored) const noexcept {
+    const std::size_t count = BlockCount();
+    std::uint64_t different = 0;
+    if (m_isPacked) {
+      for (std::size_t i = 0; i < count; ++i) different |= Read(stored[i]) ^ m_packed[i];
+    } else {
+      for (std::size_t i = 0; i < count; ++i) different |= Read(stored[i]) ^ WideBlock(i);
+    }
+    return different == 0;
+  }
+
+ private:
+  static constexpr std::size_t kPackedBlocks = 16;
+
+  /// Packs the text, folded by the function and then as ASCII. @return whether it could be packed
+  template <class Fold>
+  bool Pack(Fold fold) noexcept {
+    std::size_t left = m_text.size();
+    if (left > kPackedBlocks * kPackedCharacters) return false;
+    Hasher hasher(left);
+    std::uint32_t every = 0;
+    const wchar_t* next = m_text.data();
+    std::uint64_t* block = m_packed;
+    const auto pack = [&](std::size_t count) noexcept {
+      std::uint64_t packed = 0;
+      for (std::size_t i = 0; i < count; ++i) {
+        const auto character = static_cast<std::uint32_t>(fold(next[i]));
+        every |= character;
+        packed |= std::uint64_t{character} << (8 * i);
+      }
+      *block = FoldedAscii(packed);
+      hasher.Add(*block++);
+    };
+    for (; left >= kPackedCharacters; left -= kPackedCharacters, next += kPackedCharacters) {
+      pack(kPackedCharacters);
+    }
+    if (left > 0) pack(left);
+    m_hash = hasher.Value();
+    m_isPacked = every < 0x80;
+    return m_isPacked;
+  }
+
+  std::uint64_t WideBlock(std::size_t i) const noexcept {
+    const std::size_t first = i * kWideCharacters;
+    const auto low = static_cast<std::uint32_t>(FoldedCharacter(m_text[first]));
+    if (first + 1 == m_text.size()) return low;
+    return Joined(static_cast<std::uint32_t>(FoldedCharacter(m_text[first + 1])), low);
+  }
+
+  std::wstring_view m_text;
+  std::uint32_t m_hash = 0;
+  bool m_isPacked = false;
+  std::uint64_t m_packed[kPackedBlocks];
+};
+
 struct Slot {
-  Word key{0};    // hash and length of the text
+  Word key{0};    // of the text
   Word place{0};  // place of the folded text in the blocks, and number + 1; 0 while free
 
   bool IsFree() const noexcept { return Read(place) == 0; }
@@ -173,7 +168,7 @@ struct FoldedTextIndex::Table {
   /// Gives the slot that holds the text, or the free one where it belongs; null when neither shows,
   /// which happens only while the owner changes the index.
   Slot* SlotOf(const FoldedText& text) const noexcept {
-    const std::uint64_t key = Joined(text.Hash(), static_cast<std::uint32_t>(text.Length()));
+    const std::uint64_t key = text.Key();
     std::size_t at = text.Hash() & slotMask;
     for (std::size_t left = slotMask + 1; left > 0; --left, at = (at + 1) & slotMask) {
       Slot& slot = slots[at];
@@ -189,7 +184,7 @@ struct FoldedTextIndex::Table {
     return text.Is(&blocks[firstBlock]);
   }
 
-  /// Takes a text over; its block must be in place.
+  /// Takes a text over; its blocks must be in place.
   void Put(std::uint64_t key, std::uint64_t place) noexcept {
     std::size_t at = HighOf(key) & slotMask;
     while (!slots[at].IsFree()) at = (at + 1) & slotMask;
@@ -256,7 +251,7 @@ void FoldedTextIndex::Add(std::wstring_view text, int number) {
   for (std::size_t i = 0; i < folded.BlockCount(); ++i) {
     Write(table.blocks[m_blockCount++], folded.BlockAt(i));
   }
-  Write(slot->key, Joined(folded.Hash(), static_cast<std::uint32_t>(text.size())));
+  Write(slot->key, folded.Key());
   Write(slot->place, Joined(firstBlock, static_cast<std::uint32_t>(number) + 1));
   ++m_count;
 }

@@ -98,6 +98,13 @@ int main() {
   Measure("set by text", [&](int i) {
     Check(one.SetRequestedValueFromStringScreen((i & 1) != 0 ? L"2.5" : L"7250 m"));
   });
+  const CComPtr<CvarObject<CCvarEnum>> choice = CvarObject<CCvarEnum>::Create();
+  choice->Initialize(L"Coupling", L"AC,DC 50,DC 1M,Ground", 0, CVARFLAGS(0), L"", 0,
+                     CVARREPLICATIONFLAGS(0x202), 0);
+  Measure("choice by text", [&](int i) {
+    int index = -1;
+    Check(choice->GetIndexOfStringName((i & 1) != 0 ? L"dc 50" : L"GROUND", &index));
+  });
   Measure("make, configure, destroy", [&](int) { (void)MakeCvar(); });
 
   Check(heard->DetachCvarEventSink(&listeners[0]));

@@ -49,9 +49,9 @@ TEST(FoldedTextIndexTest, AZeroAtTheEndIsACharacter) {
 TEST(FoldedTextIndexTest, EveryLengthIsTold) {
   FoldedTextIndex index;
   std::wstring text;
-  for (int length = 0; length <= 120; ++length, text += L'x') index.Add(text, length);
+  for (int length = 0; length <= 150; ++length, text += L'x') index.Add(text, length);
   text.clear();
-  for (int length = 0; length <= 120; ++length, text += L'X') EXPECT_EQ(length, index.Find(text));
+  for (int length = 0; length <= 150; ++length, text += L'X') EXPECT_EQ(length, index.Find(text));
 }
 
 TEST(FoldedTextIndexTest, LongTextsAreComparedToTheirEnd) {
@@ -62,6 +62,33 @@ TEST(FoldedTextIndexTest, LongTextsAreComparedToTheirEnd) {
   EXPECT_EQ(1, index.Find(start + L'A'));
   EXPECT_EQ(2, index.Find(std::wstring(99, L'\u00c4') + L'B'));
   EXPECT_EQ(FoldedTextIndex::kNone, index.Find(start + L'c'));
+}
+
+// Some characters besides those of ASCII have an upper case that is one of them.
+TEST(FoldedTextIndexTest, EveryCharacterIsFoundByItsUpperCase) {
+  constexpr wchar_t kEnd = 0x3000;
+  for (wchar_t first = 1; first < kEnd; first += 0x100) {
+    FoldedTextIndex index;
+    std::map<std::wstring, int> model;
+    for (wchar_t c = first; c < first + 0x100; ++c) {
+      const std::wstring text = std::wstring(L"Range ") + c;
+      index.Add(text, c);
+      model.emplace(cvars::UpperCased(text), c);
+    }
+    for (wchar_t c = first; c < first + 0x100; ++c) {
+      const std::wstring upper = cvars::UpperCased(std::wstring(L"RANGE ") + c);
+      ASSERT_EQ(model.at(upper), index.Find(upper)) << static_cast<int>(c);
+      ASSERT_EQ(model.at(upper), index.Find(std::wstring(L"range ") + c)) << static_cast<int>(c);
+    }
+  }
+}
+
+TEST(FoldedTextIndexTest, TheKindOfCharactersIsTold) {
+  FoldedTextIndex index;
+  index.Add(std::wstring_view(L"A\0\0\0B\0\0\0", 8), 1);
+  index.Add(L"AB\u00c4\u00c4\u00c4\u00c4\u00c4\u00c4", 2);
+  EXPECT_EQ(1, index.Find(std::wstring_view(L"a\0\0\0b\0\0\0", 8)));
+  EXPECT_EQ(2, index.Find(L"ab\u00e4\u00e4\u00e4\u00e4\u00e4\u00e4"));
 }
 
 TEST(FoldedTextIndexTest, ClearForgets) {
