@@ -1,6 +1,5 @@
 #pragma once
 
-#include <atomic>
 #include <functional>
 #include <utility>
 #include <vector>
@@ -8,11 +7,13 @@
 #include "CComPtr.h"
 #include "IVorCvar.h"
 #include "IVorCvarEventSink.h"
+#include "platform/ComponentModule.h"
 
 namespace cvars::test {
 
 /// A listener that keeps what it is told, and answers or does what a test wants.
-class RecordingListener final : public IVorCvarEventSink {
+class RecordingListener final
+    : public platform::Component<platform::Offers<IVorCvarEventSink, IID_IVorCvarEventSink>> {
  public:
   static CComPtr<RecordingListener> Create(HRESULT answer = S_OK) {
     CComPtr<RecordingListener> listener;
@@ -20,27 +21,16 @@ class RecordingListener final : public IVorCvarEventSink {
     return listener;
   }
 
-  HRESULT QueryInterface(REFIID iid, void** object) override {
-    if (object == nullptr) return E_POINTER;
-    *object = nullptr;
-    if (iid != IID_IUnknown && iid != IID_IVorCvarEventSink) return E_NOINTERFACE;
-    *object = static_cast<IVorCvarEventSink*>(this);
-    AddRef();
-    return S_OK;
-  }
-  ULONG AddRef() override { return ++m_references; }
-  ULONG Release() override {
-    const ULONG left = --m_references;
-    if (left == 0) delete this;
-    return left;
-  }
   HRESULT OnCvarNotify(IVorCvar* source, NOTIFYTYPE what) override {
     masks.push_back(what);
     if (onNotify) onNotify(source, what);
     return answer;
   }
 
-  ULONG References() const { return m_references; }
+  ULONG References() {
+    AddRef();
+    return Release();
+  }
   /// The masks since the last call.
   std::vector<NOTIFYTYPE> TakeMasks() { return std::exchange(masks, {}); }
 
@@ -53,39 +43,16 @@ class RecordingListener final : public IVorCvarEventSink {
 
  private:
   explicit RecordingListener(HRESULT result) : answer(result) {}
-  ~RecordingListener() = default;
-
-  std::atomic<ULONG> m_references{1};
 };
 
 /// An object that is no listener.
-class PlainObject final : public IUnknown {
+class PlainObject final : public platform::Component<platform::Offers<IUnknown, IID_IUnknown>> {
  public:
   static CComPtr<IUnknown> Create() {
     CComPtr<IUnknown> object;
     object.Attach(new PlainObject);
     return object;
   }
-  HRESULT QueryInterface(REFIID iid, void** object) override {
-    if (object == nullptr) return E_POINTER;
-    *object = nullptr;
-    if (iid != IID_IUnknown) return E_NOINTERFACE;
-    *object = static_cast<IUnknown*>(this);
-    AddRef();
-    return S_OK;
-  }
-  ULONG AddRef() override { return ++m_references; }
-  ULONG Release() override {
-    const ULONG left = --m_references;
-    if (left == 0) delete this;
-    return left;
-  }
-
- private:
-  PlainObject() = default;
-  ~PlainObject() = default;
-
-  std::atomic<ULONG> m_references{1};
 };
 
 }  // namespace cvars::test

@@ -9,6 +9,8 @@
 
 #include "CComPtr.h"
 #include "IVorCvar.h"
+#include "IVorCvarEventSink.h"
+#include "platform/ComponentModule.h"
 
 namespace cvars::test {
 
@@ -16,7 +18,8 @@ namespace cvars::test {
 inline constexpr unsigned kDeadlineMs = 20000;
 
 /// A listener that runs a function; counts how many of its kind live.
-class FunctionListener final : public IVorCvarEventSink {
+class FunctionListener final
+    : public platform::Component<platform::Offers<IVorCvarEventSink, IID_IVorCvarEventSink>> {
  public:
   using Function = std::function<HRESULT(IVorCvar* source, NOTIFYTYPE what)>;
 
@@ -28,20 +31,6 @@ class FunctionListener final : public IVorCvarEventSink {
 
   static int Live() { return s_live.load(); }
 
-  HRESULT QueryInterface(REFIID iid, void** object) override {
-    if (object == nullptr) return E_POINTER;
-    *object = nullptr;
-    if (iid != IID_IUnknown && iid != IID_IVorCvarEventSink) return E_NOINTERFACE;
-    *object = static_cast<IVorCvarEventSink*>(this);
-    AddRef();
-    return S_OK;
-  }
-  ULONG AddRef() override { return m_references.fetch_add(1) + 1; }
-  ULONG Release() override {
-    const ULONG left = m_references.fetch_sub(1) - 1;
-    if (left == 0) delete this;
-    return left;
-  }
   HRESULT OnCvarNotify(IVorCvar* source, NOTIFYTYPE what) override {
     return m_function(source, what);
   }
@@ -54,7 +43,6 @@ class FunctionListener final : public IVorCvarEventSink {
 
   static inline std::atomic<int> s_live{0};
   const Function m_function;
-  std::atomic<ULONG> m_references{1};
 };
 
 /// Opens once; threads wait for it up to the deadline.

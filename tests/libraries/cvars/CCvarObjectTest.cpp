@@ -11,6 +11,7 @@
 #include "ReadProperties.h"
 #include "ReadText.h"
 #include "RecordingListener.h"
+#include "platform/ComponentModule.h"
 
 namespace {
 
@@ -34,12 +35,11 @@ Object<I> Make(bool holdsReference = true, CVARFLAGS flags = CVARFLAGS(0)) {
 
 /// An object that offers one interface; tells its references and counts its kind.
 template <class I>
-class Thing : public I {
+class Thing
+    : public cvars::platform::Component<cvars::platform::Offers<I, cvars::InterfaceId<I>::value>> {
  public:
   Thing() { ++s_live; }
-  virtual ~Thing() { --s_live; }
-  Thing(const Thing&) = delete;
-  Thing& operator=(const Thing&) = delete;
+  ~Thing() override { --s_live; }
 
   static CComPtr<Thing> Create() {
     CComPtr<Thing> thing;
@@ -47,26 +47,13 @@ class Thing : public I {
     return thing;
   }
   static int Live() { return s_live; }
-  ULONG References() const { return m_references; }
-
-  HRESULT QueryInterface(REFIID iid, void** object) override {
-    if (object == nullptr) return E_POINTER;
-    *object = nullptr;
-    if (iid != IID_IUnknown && iid != cvars::InterfaceId<I>::value) return E_NOINTERFACE;
-    *object = static_cast<I*>(this);
-    AddRef();
-    return S_OK;
-  }
-  ULONG AddRef() override { return ++m_references; }
-  ULONG Release() override {
-    const ULONG left = --m_references;
-    if (left == 0) delete this;
-    return left;
+  ULONG References() {
+    this->AddRef();
+    return this->Release();
   }
 
  private:
   static inline int s_live = 0;
-  ULONG m_references = 1;
 };
 
 class FakeStream final : public Thing<IStream> {

@@ -13,6 +13,7 @@
 #include "CvarListeners.h"
 #include "LiveCvars.h"
 #include "SampleCvars.h"
+#include "platform/ComponentModule.h"
 
 namespace {
 
@@ -22,26 +23,14 @@ using Sample = CComPtr<CvarObject<SampleCvar>>;
 constexpr int kRounds = 2000;
 
 /// A listener that threads may call at once: counts its calls and gathers the masks.
-class CountingListener final : public IVorCvarEventSink {
+class CountingListener final
+    : public cvars::platform::Component<
+          cvars::platform::Offers<IVorCvarEventSink, IID_IVorCvarEventSink>> {
  public:
   static CComPtr<CountingListener> Create() {
     CComPtr<CountingListener> listener;
     listener.Attach(new CountingListener);
     return listener;
-  }
-  HRESULT QueryInterface(REFIID iid, void** object) override {
-    if (object == nullptr) return E_POINTER;
-    *object = nullptr;
-    if (iid != IID_IUnknown && iid != IID_IVorCvarEventSink) return E_NOINTERFACE;
-    *object = static_cast<IVorCvarEventSink*>(this);
-    AddRef();
-    return S_OK;
-  }
-  ULONG AddRef() override { return m_references.fetch_add(1, std::memory_order_relaxed) + 1; }
-  ULONG Release() override {
-    const ULONG left = m_references.fetch_sub(1, std::memory_order_acq_rel) - 1;
-    if (left == 0) delete this;
-    return left;
   }
   HRESULT OnCvarNotify(IVorCvar*, NOTIFYTYPE what) override {
     calls.fetch_add(1, std::memory_order_relaxed);
@@ -49,14 +38,13 @@ class CountingListener final : public IVorCvarEventSink {
     return S_OK;
   }
 
-  ULONG References() const { return m_references.load(); }
+  ULONG References() {
+    AddRef();
+    return Release();
+  }
 
   std::atomic<int> calls{0};
   std::atomic<std::uint32_t> seen{0};
-
- private:
-  ~CountingListener() = default;
-  std::atomic<ULONG> m_references{1};
 };
 using Listener = CComPtr<CountingListener>;
 
