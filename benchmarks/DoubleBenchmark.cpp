@@ -88,6 +88,21 @@ void SetChangedCase(benchmark::State& state) {
   SetChanged(state, rig.Interface(), Set, rig.Calls(), static_cast<std::uint64_t>(state.range(0)));
 }
 
+// Sets one of many cvars after the other, once around.
+void SetAmong(benchmark::State& state) {
+  std::vector<CComPtr<DoubleCvar>> cvars(static_cast<std::size_t>(state.range(0)));
+  for (CComPtr<DoubleCvar>& cvar : cvars) cvar = MakeCvar();
+  std::size_t next = 0;
+  std::size_t round = 0;
+  for (auto _ : state) {
+    Set(*cvars[next], Values()[round & 1023]);
+    if (++next == cvars.size()) {
+      next = 0;
+      ++round;
+    }
+  }
+}
+
 void SetSameCase(benchmark::State& state) {
   Rig rig(1, true);
   SetSame(state, rig.Interface(), Set, rig.Calls());
@@ -208,6 +223,7 @@ int main(int argc, char** argv) {
   using benchmark::RegisterBenchmark;
   RegisterBenchmark("set_changed/bag", SetChangedCase<true>)->Arg(0)->Arg(1)->Arg(8);
   RegisterBenchmark("set_changed/no_parent", SetChangedCase<false>)->Arg(0)->Arg(1)->Arg(8);
+  RegisterBenchmark("set_among", SetAmong)->RangeMultiplier(10)->Range(10, 1000000);
   RegisterBenchmark("set_same/bag", SetSameCase);
   RegisterBenchmark("batch10/bag", Batch10Case);
   RegisterThreads("threads_1M/no_parent", ThreadsCase);
