@@ -10,6 +10,7 @@
 #include <condition_variable>
 #include <mutex>
 #include <optional>
+#include <span>
 #include <thread>
 #include <utility>
 #include <vector>
@@ -22,15 +23,29 @@ namespace {
 
 constexpr ULONG kNoLimit = 0xFFFFFFFFu;
 
-// While deliveries come in bursts the worker looks for the next one this often before it sleeps:
-// going to sleep and being woken costs both threads more than the delivery itself.
-constexpr unsigned kBurst = 8;
-constexpr unsigned kLooksBeforeSleep = 2000;
+// How long the worker looks for the next post before it sleeps. Being woken takes about as long,
+// and keeps the poster from its work meanwhile.
+constexpr std::chrono::microseconds kLookBeforeSleep{40};
+
+// A queue that is shorter than this is left alone for a moment before the worker looks at it again.
+// Every look takes from the posters what they write with each post; so they post sooner, and the
+// worker finds several posts at once, or merged.
+constexpr std::uint64_t kFew = 8;
+constexpr std::chrono::microseconds kMoment{2};
+
+constexpr std::size_t kCacheLine = 64;
 
 void Pause() noexcept {
 #if defined(__x86_64__) || defined(__i386__)
   __builtin_ia32_pause();
 #endif
+}
+
+void LetPostsGather() {
+  const auto end = std::chrono::steady_clock::now() + kMoment;
+  do {
+    std::this_thread::yield();  // the poster may wait for this very processor
+  } while (std::chrono::steady_clock::now() < end);
 }
 
 // Most contention is with a thread that holds the lock for some ten nanoseconds.
@@ -106,10 +121,8 @@ class DeliveryWorker::State {
           guard = LockSoon(m_lock);
           continue;
         }
-        if (m_queue.Size() < m_bound || OnWorkerThread()) break;
-        ++m_waitingForRoom;
-        m_room.wait(guard);
-        --m_waitingForRoom;
+        if (HasRoom() || OnWorkerThread()) break;
+        WaitForRoom(guard);
       }
       m_queue.Append(std::move(notification));
       m_appended.store(m_appended.load(std::memory_order_relaxed) + 1, std::memory_order_relaxed);
@@ -137,16 +150,15 @@ class DeliveryWorker::State {
 
   // Gives the thread to end to whoever stops first; nobody else gets one.
   std::optional<std::thread> Stop() {
-    NotificationQueue dropped;
     std::thread thread;
     {
       std::lock_guard guard(m_lock);
-      if (std::exchange(m_stopping, true)) return std::nullopt;
+      if (m_stopping.exchange(true)) return std::nullopt;
       thread = std::move(m_thread);
-      std::swap(dropped, m_queue);
     }
     m_work.notify_all();
     m_room.notify_all();
+    m_queue.LetGo();  // nobody appends or removes any more
     return thread;
   }
 
@@ -159,42 +171,76 @@ class DeliveryWorker::State {
  private:
   void Run() {
     std::unique_lock guard(m_lock);
-    unsigned burst = 0;
+    bool lookedInVain = false;
     while (!m_stopping) {
-      if (m_queue.Empty()) {
-        if (burst >= kBurst) {
-          const std::uint64_t seen = m_appended.load(std::memory_order_relaxed);
-          guard.unlock();
-          if (!LookForMore(seen)) burst = 0;
-          guard = LockSoon(m_lock);
-        } else {
-          burst = 0;
-          m_asleep = true;
-          m_work.wait(guard, [this] { return !m_asleep || m_stopping; });
-        }
-        continue;
+      m_queue.RemoveTaken();
+      if (!m_queue.Empty()) {
+        DeliverOldest(guard);
+        lookedInVain = false;
+      } else if (!lookedInVain) {
+        lookedInVain = !LookForMore(guard);
+      } else {
+        m_asleep = true;
+        m_work.wait(guard, [this] { return !m_asleep || m_stopping; });
+        lookedInVain = false;
       }
-      {
-        const Notification next = m_queue.TakeFirst();
-        if (m_waitingForRoom != 0) m_room.notify_all();
-        guard.unlock();
-        Deliver(next);
-      }
-      guard = LockSoon(m_lock);
-      ++burst;
-      ++m_delivered;
-      if (m_draining != 0) m_progress.notify_all();
     }
     m_ended = true;
     m_progress.notify_all();
   }
 
-  bool LookForMore(std::uint64_t seen) const noexcept {
-    for (unsigned i = 0; i < kLooksBeforeSleep; ++i) {
-      if (m_appended.load(std::memory_order_relaxed) != seen) return true;
-      Pause();
+  // Delivers several to one locking, and leaves the lock meanwhile. But whoever drains is told of
+  // each, so that a drain does not wait for what is queued later.
+  void DeliverOldest(std::unique_lock<std::mutex>& guard) {
+    std::span<NotificationQueue::Place> places = m_queue.Oldest();
+    if (m_draining != 0) places = places.first(1);
+    const bool few = m_queue.Size() < kFew;
+    guard.unlock();
+    std::uint64_t delivered = 0;
+    for (NotificationQueue::Place& place : places) {
+      if (m_stopping) break;
+      const Notification next = place.Take();
+      if (next.source == nullptr) break;  // the stop has dropped it
+      m_taken.store(m_taken.load(std::memory_order_relaxed) + 1);
+      if (m_waitingForRoom != 0) TellOfRoom();
+      Deliver(next);
+      ++delivered;
     }
-    return false;
+    if (few && m_draining == 0) LetPostsGather();
+    guard = LockSoon(m_lock);
+    m_delivered += delivered;
+    if (m_draining != 0) m_progress.notify_all();
+  }
+
+  // Leaves the lock meanwhile. @return false when it has taken long and nothing came
+  bool LookForMore(std::unique_lock<std::mutex>& guard) {
+    const std::uint64_t seen = m_appended.load(std::memory_order_relaxed);
+    const auto more = [&] { return m_appended.load(std::memory_order_relaxed) != seen; };
+    guard.unlock();
+    const auto end = std::chrono::steady_clock::now() + kLookBeforeSleep;
+    do {
+      LetPostsGather();
+    } while (!more() && !m_stopping && std::chrono::steady_clock::now() < end);
+    guard = LockSoon(m_lock);
+    return more();
+  }
+
+  // The worker's own count is looked at only where the older one does not tell.
+  bool HasRoom() const {
+    const std::uint64_t appended = m_appended.load(std::memory_order_relaxed);
+    return appended - m_delivered < m_bound || appended - m_taken < m_bound;
+  }
+
+  void WaitForRoom(std::unique_lock<std::mutex>& guard) {
+    ++m_waitingForRoom;
+    // The worker counts what it takes before it looks who waits: what is not seen here it tells of.
+    if (!HasRoom()) m_room.wait(guard);
+    --m_waitingForRoom;
+  }
+
+  void TellOfRoom() {
+    { const std::lock_guard guard(m_lock); }  // whoever has looked for room waits by then
+    m_room.notify_all();
   }
 
   const std::size_t m_bound;
@@ -207,11 +253,14 @@ class DeliveryWorker::State {
   std::atomic<std::thread::id> m_threadId{};
   std::atomic<std::uint64_t> m_appended{0};  // written under the lock, looked at without
   std::uint64_t m_delivered = 0;
-  unsigned m_waitingForRoom = 0;
-  unsigned m_draining = 0;
   bool m_asleep = false;
-  bool m_stopping = false;
   bool m_ended = false;
+  // What the worker looks at for every delivery, apart from what every post writes. All but its own
+  // count are written under the lock.
+  alignas(kCacheLine) std::atomic<std::uint64_t> m_taken{0};
+  std::atomic<unsigned> m_waitingForRoom{0};
+  std::atomic<unsigned> m_draining{0};
+  std::atomic<bool> m_stopping{false};
 };
 
 // Every worker of the module, so that none runs on when the module goes.

@@ -1,12 +1,11 @@
 #include "NotificationQueue.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace cvars {
 
 namespace {
-
-constexpr std::size_t kFirstRingSize = 64;
 
 std::uint64_t Bits(const void* pointer) noexcept {
   return static_cast<std::uint64_t>(reinterpret_cast<std::uintptr_t>(pointer));
@@ -14,73 +13,90 @@ std::uint64_t Bits(const void* pointer) noexcept {
 
 }  // namespace
 
-std::size_t NotificationQueue::Home(IVorCvar* source, IVorCvarEventSink* listener) const noexcept {
+Notification NotificationQueue::Place::Take() noexcept {
+  Notification taken;
+  const std::uint64_t kinds = m_kinds.exchange(0);
+  if ((kinds & kWaiting) == 0) return taken;
+  taken.source.Attach(m_source);
+  taken.listener.Attach(m_listener);
+  taken.what = static_cast<NOTIFYTYPE>(static_cast<std::uint32_t>(kinds));
+  return taken;
+}
+
+NotificationQueue::Place*& NotificationQueue::Bucket(IVorCvar* source,
+                                                     IVorCvarEventSink* listener) noexcept {
   // Objects of one kind lie at regular distances; the multiplications spread them over all bits.
   std::uint64_t hash = Bits(source) * 0x9E3779B97F4A7C15u;
   hash = (hash ^ (hash >> 32) ^ Bits(listener)) * 0xD6E8FEB86659FD93u;
-  return static_cast<std::size_t>(hash ^ (hash >> 32)) & (m_index.size() - 1);
+  return m_buckets[static_cast<std::size_t>(hash ^ (hash >> 32)) & (m_buckets.size() - 1)];
 }
 
 bool NotificationQueue::Merge(IVorCvar* source, IVorCvarEventSink* listener,
                               NOTIFYTYPE what) noexcept {
   if (Empty()) return false;
-  for (std::size_t place = Home(source, listener); m_index[place] != 0;
-       place = (place + 1) & (m_index.size() - 1)) {
-    Notification& queued = At(m_index[place]);
-    if (queued.source == source && queued.listener == listener) {
-      queued.what |= what;
-      return true;
+  for (Place* place = Bucket(source, listener); place != nullptr; place = place->m_nextOfBucket) {
+    if (place->m_source == source && place->m_listener == listener) {
+      // Of one pair only the youngest may wait, which comes first.
+      return (place->m_kinds.fetch_or(what) & Place::kWaiting) != 0;
     }
   }
   return false;
 }
 
 void NotificationQueue::Append(Notification&& notification) {
-  if (Size() == m_ring.size()) Grow();
-  At(m_next) = std::move(notification);
-  Index(m_next);
+  const std::uint64_t segments = m_next / kSegmentSize - m_first / kSegmentSize;
+  if (m_next % kSegmentSize == 0 && segments == m_segments.size()) Grow();
+  Place& place = At(m_next);
+  place.m_source = notification.source.Detach();
+  place.m_listener = notification.listener.Detach();
+  place.m_kinds.store(notification.what | Place::kWaiting, std::memory_order_relaxed);
+  Index(place);
   ++m_next;
 }
 
-Notification NotificationQueue::TakeFirst() noexcept {
-  Unindex(m_first);
-  Notification first = std::move(At(m_first));
-  ++m_first;
-  return first;
+std::span<NotificationQueue::Place> NotificationQueue::Oldest() noexcept {
+  const std::uint64_t endOfSegment = (m_first / kSegmentSize + 1) * kSegmentSize;
+  return {&At(m_first), static_cast<std::size_t>(std::min(m_next, endOfSegment) - m_first)};
 }
 
-void NotificationQueue::Index(std::uint64_t ticket) noexcept {
-  std::size_t place = Home(At(ticket));
-  while (m_index[place] != 0) place = (place + 1) & (m_index.size() - 1);
-  m_index[place] = ticket;
+void NotificationQueue::RemoveTaken() noexcept {
+  for (; m_first != m_next && !At(m_first).Waits(); ++m_first) Unindex(At(m_first));
 }
 
-void NotificationQueue::Unindex(std::uint64_t ticket) noexcept {
-  const std::size_t mask = m_index.size() - 1;
-  std::size_t hole = Home(At(ticket));
-  while (m_index[hole] != ticket) hole = (hole + 1) & mask;
-  // Tickets behind the hole move up where that brings them no further from home than their home,
-  // so that a look-up never meets a gap before what it looks for.
-  for (std::size_t place = (hole + 1) & mask; m_index[place] != 0; place = (place + 1) & mask) {
-    const std::size_t home = Home(At(m_index[place]));
-    if (((place - home) & mask) >= ((place - hole) & mask)) {
-      m_index[hole] = m_index[place];
-      hole = place;
-    }
-  }
-  m_index[hole] = 0;
+void NotificationQueue::LetGo() noexcept {
+  for (std::uint64_t ticket = m_first; ticket != m_next; ++ticket) (void)At(ticket).Take();
+}
+
+void NotificationQueue::Index(Place& place) noexcept {
+  Place*& bucket = Bucket(place.m_source, place.m_listener);
+  place.m_nextOfBucket = bucket;
+  bucket = &place;
+}
+
+void NotificationQueue::Unindex(Place& place) noexcept {
+  Place** link = &Bucket(place.m_source, place.m_listener);
+  while (*link != &place) link = &(*link)->m_nextOfBucket;
+  *link = place.m_nextOfBucket;
 }
 
 void NotificationQueue::Grow() {
-  const std::size_t size = m_ring.empty() ? kFirstRingSize : m_ring.size() * 2;
-  std::vector<Notification> ring(size);
-  std::vector<std::uint64_t> index(size * 2);
-  for (std::uint64_t ticket = m_first; ticket != m_next; ++ticket) {
-    ring[static_cast<std::size_t>(ticket) & (size - 1)] = std::move(At(ticket));
+  const std::size_t size = std::max<std::size_t>(1, m_segments.size() * 2);
+  std::vector<std::unique_ptr<Segment>> added(size - m_segments.size());
+  for (auto& segment : added) segment = std::make_unique<Segment>();
+  std::vector<std::unique_ptr<Segment>> segments(size);
+  std::vector<Place*> buckets(size * kSegmentSize);
+  for (std::uint64_t ticket = m_first; ticket < m_next; ticket += kSegmentSize) {
+    segments[static_cast<std::size_t>(ticket / kSegmentSize) & (size - 1)] =
+        std::move(SegmentOf(ticket));
   }
-  m_ring.swap(ring);
-  m_index.swap(index);
-  for (std::uint64_t ticket = m_first; ticket != m_next; ++ticket) Index(ticket);
+  for (auto& segment : segments) {
+    if (segment != nullptr) continue;
+    segment = std::move(added.back());
+    added.pop_back();
+  }
+  m_segments.swap(segments);
+  m_buckets.swap(buckets);
+  for (std::uint64_t ticket = m_first; ticket != m_next; ++ticket) Index(At(ticket));
 }
 
 }  // namespace cvars

@@ -1,7 +1,11 @@
 #pragma once
 
+#include <array>
+#include <atomic>
 #include <cstddef>
 #include <cstdint>
+#include <memory>
+#include <span>
 #include <vector>
 
 #include "CComPtr.h"
@@ -20,40 +24,77 @@ struct Notification {
 /// Deliveries in the order of their appending, each (source, listener) pair at most once.
 ///
 /// A pair is found through a hash index, in constant time. Pairs are told apart by their interface
-/// pointers. Not thread-safe. Once grown, it allocates nothing.
+/// pointers. Once grown, it allocates nothing.
+///
+/// Not thread-safe, but for Place::Take: what Oldest gave stays where it is, and gathers kinds,
+/// while another thread takes one after the other.
 class NotificationQueue {
  public:
-  /// Adds kinds of change to a pair that is queued; it keeps its place.
-  /// @return false when the pair is not queued; nothing changed then.
+  /// Where a delivery waits.
+  class Place {
+   public:
+    /// Takes the delivery out, which no longer gathers kinds then. Thread-safe.
+    /// @return empty when it was taken before
+    Notification Take() noexcept;
+
+   private:
+    friend class NotificationQueue;
+    static constexpr std::uint64_t kWaiting = std::uint64_t{1} << 32;
+
+    bool Waits() const noexcept { return (m_kinds.load() & kWaiting) != 0; }
+
+    IVorCvar* m_source = nullptr;  // counted while it waits, as the listener
+    IVorCvarEventSink* m_listener = nullptr;
+    std::atomic<std::uint64_t> m_kinds{0};  // the kinds of change, and kWaiting until it is taken
+    Place* m_nextOfBucket = nullptr;
+  };
+
+  NotificationQueue() = default;
+  ~NotificationQueue() { LetGo(); }
+  NotificationQueue(const NotificationQueue&) = delete;
+  NotificationQueue& operator=(const NotificationQueue&) = delete;
+
+  /// Adds kinds of change to a pair that waits; it keeps its place.
+  /// @return false when the pair does not wait; nothing changed then.
   bool Merge(IVorCvar* source, IVorCvarEventSink* listener, NOTIFYTYPE what) noexcept;
 
-  /// Appends a pair that is not queued. When memory is short it throws and the queue is unchanged.
+  /// Appends a pair that does not wait. When memory is short it throws and the queue is unchanged.
   void Append(Notification&& notification);
 
-  /// Takes the oldest out; the queue must not be empty.
-  Notification TakeFirst() noexcept;
+  /// The oldest ones, as many as stand beside each other. The queue must not be empty.
+  std::span<Place> Oldest() noexcept;
 
-  std::size_t Size() const noexcept { return static_cast<std::size_t>(m_next - m_first); }
+  /// Removes the oldest ones up to the first that waits.
+  void RemoveTaken() noexcept;
+
+  /// Takes and lets go of all that wait. Places may be taken meanwhile, but nothing else is done.
+  void LetGo() noexcept;
+
+  /// How many are left, taken ones included.
+  std::uint64_t Size() const noexcept { return m_next - m_first; }
   bool Empty() const noexcept { return m_next == m_first; }
 
  private:
-  std::size_t Home(IVorCvar* source, IVorCvarEventSink* listener) const noexcept;
-  std::size_t Home(const Notification& notification) const noexcept {
-    return Home(notification.source, notification.listener);
+  static constexpr std::size_t kSegmentSize = 64;
+  using Segment = std::array<Place, kSegmentSize>;
+
+  Place*& Bucket(IVorCvar* source, IVorCvarEventSink* listener) noexcept;
+  std::unique_ptr<Segment>& SegmentOf(std::uint64_t ticket) noexcept {
+    return m_segments[static_cast<std::size_t>(ticket / kSegmentSize) & (m_segments.size() - 1)];
   }
-  Notification& At(std::uint64_t ticket) noexcept {
-    return m_ring[static_cast<std::size_t>(ticket) & (m_ring.size() - 1)];
+  Place& At(std::uint64_t ticket) noexcept {
+    return (*SegmentOf(ticket))[static_cast<std::size_t>(ticket % kSegmentSize)];
   }
-  void Index(std::uint64_t ticket) noexcept;
-  void Unindex(std::uint64_t ticket) noexcept;
+  void Index(Place& place) noexcept;
+  void Unindex(Place& place) noexcept;
   void Grow();
 
-  // A ring of tickets m_first .. m_next - 1, and an open-addressed table of those tickets by pair,
-  // at least twice as large; 0 is a free place. Both sizes are powers of two.
-  std::vector<Notification> m_ring;
-  std::vector<std::uint64_t> m_index;
-  std::uint64_t m_first = 1;
-  std::uint64_t m_next = 1;
+  // A ring of segments, which never move, with the tickets m_first .. m_next - 1, and a list of the
+  // places of each hash. The numbers of segments and lists are powers of two.
+  std::vector<std::unique_ptr<Segment>> m_segments;
+  std::vector<Place*> m_buckets;
+  std::uint64_t m_first = 0;
+  std::uint64_t m_next = 0;
 };
 
 }  // namespace cvars

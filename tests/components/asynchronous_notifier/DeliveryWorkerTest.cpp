@@ -116,6 +116,34 @@ TEST_F(DeliveryWorkerTest, MergesAPairThatIsStillQueued) {
   EXPECT_EQ(kinds, (std::vector<NOTIFYTYPE>{NOTIFY_VALUE | NOTIFY_FLAGS}));
 }
 
+// Waits behind another delivery, with which it was queued.
+TEST_F(DeliveryWorkerTest, MergesAPairWhileTheOneBeforeItIsInDelivery) {
+  const CComPtr<BareCvar> cvar = MakeCvar();
+  Gate entered;
+  Gate go;
+  const CComPtr<FunctionListener> before = FunctionListener::Make([&](IVorCvar*, NOTIFYTYPE) {
+    entered.Open();
+    EXPECT_TRUE(go.Wait());
+    return S_OK;
+  });
+  std::vector<NOTIFYTYPE> kinds;
+  const CComPtr<FunctionListener> listener =
+      FunctionListener::Make([&](IVorCvar*, NOTIFYTYPE what) {
+        kinds.push_back(what);
+        return S_OK;
+      });
+  DeliveryWorker worker;
+  Blocker blocker(worker);
+  EXPECT_EQ(worker.Post(cvar, NOTIFY_VALUE, before), S_OK);
+  EXPECT_EQ(worker.Post(cvar, NOTIFY_VALUE, listener), S_OK);
+  blocker.Go();
+  EXPECT_TRUE(entered.Wait());
+  EXPECT_EQ(worker.Post(cvar, NOTIFY_FLAGS, listener), S_FALSE);
+  go.Open();
+  EXPECT_EQ(worker.Drain(kDeadlineMs), S_OK);
+  EXPECT_EQ(kinds, (std::vector<NOTIFYTYPE>{NOTIFY_VALUE | NOTIFY_FLAGS}));
+}
+
 TEST_F(DeliveryWorkerTest, APairInDeliveryIsQueuedAnew) {
   const CComPtr<BareCvar> cvar = MakeCvar();
   DeliveryWorker worker;
@@ -235,6 +263,35 @@ TEST_F(DeliveryWorkerTest, StopDropsTheQueueAndRefusesPosts) {
   EXPECT_EQ(worker.Stop(), S_FALSE);
 }
 
+// The first of several that were queued together stops the worker.
+TEST_F(DeliveryWorkerTest, StopDropsWhatWaitsBehindTheDeliveryInProgress) {
+  const CComPtr<BareCvar> cvar = MakeCvar();
+  const CComPtr<BareCvar> last = MakeCvar();
+  std::atomic<bool> told{false};
+  const CComPtr<FunctionListener> listener = FunctionListener::Make([&](IVorCvar*, NOTIFYTYPE) {
+    told = true;
+    return S_OK;
+  });
+  DeliveryWorker worker;
+  ULONG held = 0;
+  Gate done;
+  const CComPtr<FunctionListener> stopper = FunctionListener::Make([&](IVorCvar*, NOTIFYTYPE) {
+    EXPECT_EQ(worker.Stop(), S_OK);
+    held = last->References();
+    done.Open();
+    return S_OK;
+  });
+  Blocker blocker(worker);
+  EXPECT_EQ(worker.Post(cvar, NOTIFY_VALUE, stopper), S_OK);
+  EXPECT_EQ(worker.Post(last, NOTIFY_VALUE, listener), S_OK);
+  EXPECT_EQ(last->References(), 2u);
+  blocker.Go();
+  EXPECT_TRUE(done.Wait());
+  EXPECT_EQ(held, 1u);
+  EXPECT_EQ(worker.Drain(kDeadlineMs), S_FALSE);
+  EXPECT_FALSE(told);
+}
+
 TEST_F(DeliveryWorkerTest, StopWaitsForTheDeliveryInProgress) {
   const CComPtr<BareCvar> cvar = MakeCvar();
   DeliveryWorker worker;
@@ -320,6 +377,31 @@ TEST_F(DeliveryWorkerTest, APostBeyondTheBoundWaitsForRoom) {
   EXPECT_EQ(worker.Drain(kDeadlineMs), S_OK);
 }
 
+// Two are queued together, and the second waits for the post that the first makes room for.
+TEST_F(DeliveryWorkerTest, APostThatWaitsGetsTheRoomOfTheNextDelivery) {
+  const CComPtr<BareCvar> first = MakeCvar();
+  const CComPtr<BareCvar> second = MakeCvar();
+  const CComPtr<BareCvar> third = MakeCvar();
+  Gate accepted;
+  const CComPtr<FunctionListener> silent = Silent();
+  const CComPtr<FunctionListener> waits = FunctionListener::Make([&](IVorCvar*, NOTIFYTYPE) {
+    EXPECT_TRUE(accepted.Wait());
+    return S_OK;
+  });
+  DeliveryWorker worker(2);
+  Blocker blocker(worker);
+  EXPECT_EQ(worker.Post(first, NOTIFY_VALUE, silent), S_OK);
+  EXPECT_EQ(worker.Post(second, NOTIFY_VALUE, waits), S_OK);
+  std::thread poster([&] {
+    EXPECT_EQ(worker.Post(third, NOTIFY_VALUE, silent), S_OK);
+    accepted.Open();
+  });
+  while (third->References() < 2) std::this_thread::yield();
+  blocker.Go();
+  poster.join();
+  EXPECT_EQ(worker.Drain(kDeadlineMs), S_OK);
+}
+
 TEST_F(DeliveryWorkerTest, StopFreesAPostThatWaitsForRoom) {
   const CComPtr<FunctionListener> listener = Silent();
   const CComPtr<BareCvar> first = MakeCvar();
@@ -392,6 +474,40 @@ TEST_F(DeliveryWorkerTest, LosesNothingWithManyThreads) {
   }
   for (std::thread& thread : threads) thread.join();
   EXPECT_EQ(backwards, 0);
+}
+
+// Nothing can be merged, and posts of a small queue wait for room again and again.
+TEST_F(DeliveryWorkerTest, DeliversEachOfManyPairsOnceAndInOrder) {
+  constexpr int kThreads = 4;
+  static constexpr std::size_t kPosts = 1000;
+  struct Sender {
+    std::vector<CComPtr<BareCvar>> sources;
+    std::vector<IVorCvar*> seen;
+    CComPtr<FunctionListener> listener;
+  };
+  for (const std::size_t bound : {DeliveryWorker::kQueueBound, std::size_t{100}, std::size_t{1}}) {
+    std::vector<Sender> senders(kThreads);
+    DeliveryWorker worker(bound);
+    std::vector<std::thread> threads;
+    for (Sender& sender : senders) {
+      for (std::size_t i = 0; i < kPosts; ++i) sender.sources.push_back(MakeCvar());
+      sender.listener = FunctionListener::Make([&sender](IVorCvar* source, NOTIFYTYPE) {
+        sender.seen.push_back(source);
+        return S_OK;
+      });
+      threads.emplace_back([&worker, &sender] {
+        for (const auto& source : sender.sources) {
+          EXPECT_EQ(worker.Post(source, NOTIFY_VALUE, sender.listener), S_OK);
+        }
+      });
+    }
+    for (std::thread& thread : threads) thread.join();
+    EXPECT_EQ(worker.Drain(kDeadlineMs), S_OK);
+    for (const Sender& sender : senders) {
+      ASSERT_EQ(sender.seen.size(), kPosts);
+      for (std::size_t i = 0; i < kPosts; ++i) ASSERT_EQ(sender.seen[i], sender.sources[i]) << i;
+    }
+  }
 }
 
 }  // namespace

@@ -16,6 +16,12 @@ namespace {
 using test::BareCvar;
 using test::FunctionListener;
 
+Notification TakeFirst(NotificationQueue& queue) {
+  Notification first = queue.Oldest().front().Take();
+  queue.RemoveTaken();
+  return first;
+}
+
 class NotificationQueueTest : public ::testing::Test {
  protected:
   ~NotificationQueueTest() override {
@@ -61,9 +67,9 @@ TEST_F(NotificationQueueTest, GivesInTheOrderOfAppending) {
   queue.Append(Of(0, 1));
   queue.Append(Of(1, 0));
   ASSERT_EQ(queue.Size(), 3u);
-  EXPECT_EQ(queue.TakeFirst().source, Cvar(2));
-  EXPECT_EQ(queue.TakeFirst().source, Cvar(0));
-  EXPECT_EQ(queue.TakeFirst().source, Cvar(1));
+  EXPECT_EQ(TakeFirst(queue).source, Cvar(2));
+  EXPECT_EQ(TakeFirst(queue).source, Cvar(0));
+  EXPECT_EQ(TakeFirst(queue).source, Cvar(1));
   EXPECT_TRUE(queue.Empty());
 }
 
@@ -73,10 +79,10 @@ TEST_F(NotificationQueueTest, AMergedPairKeepsItsPlaceAndGathersKinds) {
   queue.Append(Of(1, 0, NOTIFY_VALUE));
   EXPECT_TRUE(queue.Merge(Cvar(0), Listener(0), NOTIFY_FLAGS));
   EXPECT_EQ(queue.Size(), 2u);
-  const Notification first = queue.TakeFirst();
+  const Notification first = TakeFirst(queue);
   EXPECT_EQ(first.source, Cvar(0));
   EXPECT_EQ(first.what, NOTIFY_VALUE | NOTIFY_FLAGS);
-  EXPECT_EQ(queue.TakeFirst().what, NOTIFY_VALUE);
+  EXPECT_EQ(TakeFirst(queue).what, NOTIFY_VALUE);
 }
 
 TEST_F(NotificationQueueTest, BothEndsMakeThePair) {
@@ -90,10 +96,63 @@ TEST_F(NotificationQueueTest, BothEndsMakeThePair) {
 TEST_F(NotificationQueueTest, ATakenPairIsNotQueuedAnyMore) {
   NotificationQueue queue;
   queue.Append(Of(0, 0));
-  (void)queue.TakeFirst();
+  (void)TakeFirst(queue);
   EXPECT_FALSE(queue.Merge(Cvar(0), Listener(0), NOTIFY_FLAGS));
   queue.Append(Of(0, 0, NOTIFY_FLAGS));
-  EXPECT_EQ(queue.TakeFirst().what, NOTIFY_FLAGS);
+  EXPECT_EQ(TakeFirst(queue).what, NOTIFY_FLAGS);
+}
+
+TEST_F(NotificationQueueTest, AGivenPlaceGathersKindsUntilItIsTaken) {
+  NotificationQueue queue;
+  queue.Append(Of(0, 0, NOTIFY_VALUE));
+  queue.Append(Of(1, 0, NOTIFY_VALUE));
+  const auto places = queue.Oldest();
+  ASSERT_EQ(places.size(), 2u);
+  EXPECT_TRUE(queue.Merge(Cvar(1), Listener(0), NOTIFY_FLAGS));
+  const Notification second = places[1].Take();
+  EXPECT_EQ(second.source, Cvar(1));
+  EXPECT_EQ(second.what, NOTIFY_VALUE | NOTIFY_FLAGS);
+  EXPECT_FALSE(queue.Merge(Cvar(1), Listener(0), NOTIFY_RANGE));
+}
+
+TEST_F(NotificationQueueTest, APlaceIsTakenOnce) {
+  NotificationQueue queue;
+  queue.Append(Of(0, 0));
+  auto& place = queue.Oldest().front();
+  EXPECT_EQ(place.Take().source, Cvar(0));
+  const Notification again = place.Take();
+  EXPECT_EQ(again.source, nullptr);
+  EXPECT_EQ(again.listener, nullptr);
+}
+
+TEST_F(NotificationQueueTest, GivenPlacesStayWhereTheyAreWhileItGrows) {
+  constexpr std::size_t kMany = 1000;
+  NotificationQueue queue;
+  queue.Append(Of(0, 0));
+  queue.Append(Of(1, 0));
+  const auto places = queue.Oldest();
+  for (std::size_t i = 2; i < kMany; ++i) queue.Append(Of(i, 0));
+  EXPECT_TRUE(queue.Merge(Cvar(1), Listener(0), NOTIFY_FLAGS));
+  EXPECT_EQ(places[0].Take().source, Cvar(0));
+  const Notification second = places[1].Take();
+  EXPECT_EQ(second.source, Cvar(1));
+  EXPECT_EQ(second.what, NOTIFY_VALUE | NOTIFY_FLAGS);
+  queue.RemoveTaken();
+  EXPECT_EQ(queue.Size(), kMany - 2);
+  for (std::size_t i = 2; i < kMany; ++i) ASSERT_EQ(TakeFirst(queue).source, Cvar(i));
+  EXPECT_TRUE(queue.Empty());
+}
+
+TEST_F(NotificationQueueTest, OneThatWaitsKeepsTheTakenOnesBehindIt) {
+  NotificationQueue queue;
+  queue.Append(Of(0, 0));
+  queue.Append(Of(1, 0));
+  (void)queue.Oldest()[1].Take();
+  queue.RemoveTaken();
+  EXPECT_EQ(queue.Size(), 2u);
+  (void)queue.Oldest()[0].Take();
+  queue.RemoveTaken();
+  EXPECT_TRUE(queue.Empty());
 }
 
 TEST_F(NotificationQueueTest, HoldsBothEndsWhileQueued) {
@@ -102,7 +161,7 @@ TEST_F(NotificationQueueTest, HoldsBothEndsWhileQueued) {
   const ULONG before = cvar->References();
   queue.Append(Of(0, 0));
   EXPECT_EQ(cvar->References(), before + 1);
-  (void)queue.TakeFirst();
+  (void)TakeFirst(queue);
   EXPECT_EQ(cvar->References(), before);
 }
 
@@ -115,6 +174,19 @@ TEST_F(NotificationQueueTest, LetsGoOfWhatIsLeftInIt) {
     queue.Append(Of(0, 1));
   }
   EXPECT_EQ(cvar->References(), before);
+}
+
+TEST_F(NotificationQueueTest, LetsGoOfAllThatWait) {
+  NotificationQueue queue;
+  BareCvar* const cvar = Cvar(0);
+  const ULONG before = cvar->References();
+  queue.Append(Of(0, 0));
+  queue.Append(Of(0, 1));
+  const auto places = queue.Oldest();
+  queue.LetGo();
+  EXPECT_EQ(cvar->References(), before);
+  EXPECT_EQ(places[0].Take().source, nullptr);
+  EXPECT_EQ(places[1].Take().source, nullptr);
 }
 
 // A plain list searched from the front says what the queue must hold after each step.
@@ -132,7 +204,7 @@ TEST_F(NotificationQueueTest, AgreesWithAPlainListOverManySteps) {
       if (model.empty()) continue;
       const auto [cvar, listener, what] = model.front();
       model.pop_front();
-      const Notification first = queue.TakeFirst();
+      const Notification first = TakeFirst(queue);
       ASSERT_EQ(first.source, Cvar(cvar));
       ASSERT_EQ(first.listener, Listener(listener));
       ASSERT_EQ(first.what, what);
