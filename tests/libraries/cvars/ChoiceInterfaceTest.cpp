@@ -138,8 +138,4 @@ TEST_F(ChoiceSlots, OfTheColor) {
   EXPECT_EQ(0xFFFFFF, IntOf(object, 50));
 }
 
-static_assert(EXTRAENUMDATA_ICONID == 1 && EXTRAENUMDATA_OBJECT == 2 && EXTRAENUMDATA_VARIANT == 3);
-static_assert(EXTRAENUMDATA_EXTRA1 == 4 && EXTRAENUMDATA_CHILDPAGE == 5 &&
-              EXTRAENUMDATA_EXTRA3 == 6);
-
 }  // namespace

@@ -25,6 +25,26 @@ static_assert(REPLICATE_FLAGS == 0x1 && REPLICATE_REQUESTED == 0x2 && REPLICATE_
 static_assert(REPLICATIONCONNECTION_NONE == 0 && REPLICATIONCONNECTION_SYNCHRONOUS == 1 &&
               REPLICATIONCONNECTION_ASYNCHRONOUS == 2 && REPLICATIONCONNECTION_UNCHANGED == 3);
 static_assert(REPLICATIONCOPY_FROM_OTHER == 0 && REPLICATIONCOPY_TO_OTHER == 1);
+static_assert(LOCKSTEP_1_2_25_5 == 0 && LOCKSTEP_1_2_4 == 1 && LOCKSTEP_1_2_4_5 == 2 &&
+              LOCKSTEP_1_2_4_8 == 3 && LOCKSTEP_1_2_5 == 4 && LOCKSTEP_1_25_4_5 == 5 &&
+              LOCKSTEP_1_25_5 == 6 && LOCKSTEP_1_3_5 == 7 && LOCKSTEP_1_33 == 8 &&
+              LOCKSTEP_1 == 9 && LOCKSTEP_1_2 == 10 && LOCKSTEP_1_2_3_5 == 11 &&
+              LOCKSTEP_1_5 == 12);
+static_assert(ADAPT_CLOSEST_DOWN == 0 && ADAPT_CLOSEST_UP == 1 && ADAPT_DOWN == 2 && ADAPT_UP == 3);
+static_assert(BITPATTERN_FORMAT_BIN == 0 && BITPATTERN_FORMAT_HEX == 1 &&
+              BITPATTERN_PAD_LEFT == 0 && BITPATTERN_PAD_RIGHT == 1 &&
+              BITPATTERN_SIZE_BIT_FIX == 0 && BITPATTERN_SIZE_BYTE_VAR == 1 &&
+              BITPATTERN_SIZE_BIT_VAR == 2);
+static_assert(ACCESSSTYLE_READWRITE == 1 && ACCESSSTYLE_READONLY == 2);
+static_assert(EXTRAENUMDATA_ICONID == 1 && EXTRAENUMDATA_OBJECT == 2 &&
+              EXTRAENUMDATA_VARIANT == 3 && EXTRAENUMDATA_EXTRA1 == 4 &&
+              EXTRAENUMDATA_CHILDPAGE == 5 && EXTRAENUMDATA_EXTRA3 == 6);
+static_assert(VT_EMPTY == 0 && VT_NULL == 1 && VT_I2 == 2 && VT_I4 == 3 && VT_R4 == 4 &&
+              VT_R8 == 5 && VT_CY == 6 && VT_DATE == 7 && VT_BSTR == 8 && VT_DISPATCH == 9 &&
+              VT_ERROR == 10 && VT_BOOL == 11 && VT_VARIANT == 12 && VT_UNKNOWN == 13 &&
+              VT_DECIMAL == 14 && VT_I1 == 16 && VT_UI1 == 17 && VT_UI2 == 18 && VT_UI4 == 19 &&
+              VT_I8 == 20 && VT_UI8 == 21 && VT_INT == 22 && VT_UINT == 23 && VT_ARRAY == 0x2000 &&
+              VT_BYREF == 0x4000);
 
 // Counts its references and lives on the stack.
 class Counted final : public IUnknown {
