@@ -34,6 +34,12 @@ constexpr ScriptMember kBitPatternMembers[] = {
     ScriptPut<&IVorCvarBitPattern::put_SizeAlign>(L"SizeAlign"),
 };
 
+// Handles mean nothing to a script.
+constexpr ScriptMember kImageMembers[] = {
+    ScriptMethod<&IVorCvarImage::LoadFromBitmapResource>(L"LoadFromBitmapResource"),
+    ScriptMethod<&IVorCvarImage::LoadFromFile>(L"LoadFromFile"),
+};
+
 constexpr ScriptMember kRegisterMembers[] = {
     ScriptGet<&IVorCvarRegister::GetDefaultValue>(L"Default"),
     ScriptPut<&IVorCvarRegister::SetDefaultValue>(L"Default"),
@@ -62,6 +68,11 @@ std::span<const ScriptMember> TypedScriptMembers<IVorCvarAction>() noexcept {
 template <>
 std::span<const ScriptMember> TypedScriptMembers<IVorCvarBitPattern>() noexcept {
   return kBitPatternMembers;
+}
+
+template <>
+std::span<const ScriptMember> TypedScriptMembers<IVorCvarImage>() noexcept {
+  return kImageMembers;
 }
 
 template <>

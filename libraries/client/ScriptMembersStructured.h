@@ -2,6 +2,7 @@
 
 #include "IVorCvarAction.h"
 #include "IVorCvarBitPattern.h"
+#include "IVorCvarImage.h"
 #include "IVorCvarRegister.h"
 #include "ScriptMembers.h"
 
@@ -10,6 +11,8 @@ template <>
 CVARS_API std::span<const ScriptMember> TypedScriptMembers<IVorCvarAction>() noexcept;
 template <>
 CVARS_API std::span<const ScriptMember> TypedScriptMembers<IVorCvarBitPattern>() noexcept;
+template <>
+CVARS_API std::span<const ScriptMember> TypedScriptMembers<IVorCvarImage>() noexcept;
 template <>
 CVARS_API std::span<const ScriptMember> TypedScriptMembers<IVorCvarRegister>() noexcept;
 }  // namespace cvars

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cstddef>
+#include <fstream>
 #include <set>
 #include <string>
 #include <vector>
@@ -380,6 +382,32 @@ TEST_F(TypedScriptMembers, OfAnAction) {
   EXPECT_TRUE(listener->masks.empty());
 }
 
+TEST_F(TypedScriptMembers, OfAnImage) {
+  const auto cvar = CvarObject<CCvarImage>::Create();
+  cvar->Initialize(L"Screen", 0, CVARFLAGS(0), nullptr, 0, kReplication);
+  EXPECT_EQ(Read(cvar, L"Type"), L"Image");
+  EXPECT_EQ(Read(cvar, L"Value"), L"<image>");
+  HBITMAP bitmap = nullptr;
+  ASSERT_EQ(cvar->CreateBitmap(2, 1, &bitmap), S_OK);
+  const std::vector<std::byte> bytes = cvars::platform::BitmapFileBytes(bitmap);
+  std::ofstream(cvars::platform::HostPath(L"C:\\picture.bmp"), std::ios::binary)
+      .write(reinterpret_cast<const char*>(bytes.data()),
+             static_cast<std::streamsize>(bytes.size()));
+
+  EXPECT_EQ(Call(cvar, L"LoadFromFile", {CComVariant(L"C:\\none.bmp")}), S_OK);
+  EXPECT_EQ(cvar->GetBitmapHandle(&bitmap), S_OK);
+  EXPECT_EQ(bitmap, nullptr);
+  EXPECT_EQ(Call(cvar, L"LoadFromFile", {CComVariant(L"C:\\picture.bmp")}), S_OK);
+  EXPECT_EQ(cvar->GetBitmapHandle(&bitmap), S_OK);
+  BITMAP description = {};
+  ASSERT_NE(GetObject(bitmap, sizeof(description), &description), 0);
+  EXPECT_EQ(description.bmWidth, 2);
+  EXPECT_EQ(Call(cvar, L"LoadFromBitmapResource", {CComVariant(1)}), S_OK);  // has no parent
+  EXPECT_EQ(cvar->GetBitmapHandle(&bitmap), S_OK);
+  EXPECT_EQ(bitmap, nullptr);
+  EXPECT_EQ(Put(cvar, L"Value", CComVariant(L"x")), E_NOTIMPL);
+}
+
 TEST_F(TypedScriptMembers, OfATable) {
   const auto cvar = CvarObject<CCvarSafeArray>::Create();
   cvar->Initialize(L"Points", L"0,1;2,3", L"", CVARFLAGS(0));
@@ -413,6 +441,7 @@ TEST(ScriptMemberTables, HaveEveryNameOnce) {
   ExpectNamesToBeUnique<IVorCvarBitPattern>();
   ExpectNamesToBeUnique<IVorCvarRegister>();
   ExpectNamesToBeUnique<IVorCvarAction>();
+  ExpectNamesToBeUnique<IVorCvarImage>();
 }
 
 }  // namespace
