@@ -123,17 +123,30 @@ std::optional<std::wstring_view> ScreenSpelling(std::wstring_view unit) {
   return std::nullopt;
 }
 
-/// Gives the screen spelling of a unit or of a quotient of two ("V/DIV", "1/S").
-std::optional<std::wstring> ScreenForm(std::wstring_view unit) {
-  if (unit.empty()) return L"";
-  if (const auto whole = ScreenSpelling(unit)) return std::wstring(*whole);
+/// Screen spelling of a unit, or of both units of a quotient.
+struct ScreenForm {
+  std::wstring_view unit;
+  std::wstring_view per;  // empty without quotient
+
+  std::wstring Text() const {
+    std::wstring text(unit);
+    if (!per.empty()) text.append(1, L'/').append(per);
+    return text;
+  }
+};
+
+/// Gives the screen form of a unit or of a quotient of two ("V/DIV", "1/S"); nothing for what is
+/// neither.
+std::optional<ScreenForm> ScreenFormOf(std::wstring_view unit) {
+  if (unit.empty()) return ScreenForm{};
+  if (const auto whole = ScreenSpelling(unit)) return ScreenForm{*whole, {}};
   const std::size_t slash = unit.find(L'/');
   if (slash == std::wstring_view::npos || slash != unit.rfind(L'/')) return std::nullopt;
   const std::wstring_view above = unit.substr(0, slash);
   const auto numerator = above == L"1" ? above : ScreenSpelling(above);
   const auto denominator = ScreenSpelling(unit.substr(slash + 1));
   if (!numerator || !denominator) return std::nullopt;
-  return std::wstring(*numerator).append(1, L'/').append(*denominator);
+  return ScreenForm{*numerator, *denominator};
 }
 
 std::wstring_view ViewOf(const wchar_t* text) {
@@ -144,7 +157,7 @@ class PhysicalUnit final : public Component<Offers<IVorPhysicalUnit, IID_IVorPhy
  public:
   HRESULT IsValidUnit(const wchar_t* unit, VARIANT_BOOL* valid) override {
     if (valid == nullptr) return E_POINTER;
-    *valid = ScreenForm(ViewOf(unit)) ? VARIANT_TRUE : VARIANT_FALSE;
+    *valid = ScreenFormOf(ViewOf(unit)) ? VARIANT_TRUE : VARIANT_FALSE;
     return S_OK;
   }
 
@@ -153,7 +166,8 @@ class PhysicalUnit final : public Component<Offers<IVorPhysicalUnit, IID_IVorPhy
     *screenUnit = nullptr;
     if (option != 0) return E_INVALIDARG;
     const std::wstring_view unit = ViewOf(remoteUnit);
-    const std::wstring screen = ScreenForm(unit).value_or(std::wstring(unit));
+    const std::optional<ScreenForm> form = ScreenFormOf(unit);
+    const std::wstring screen = form ? form->Text() : std::wstring(unit);
     *screenUnit = SysAllocStringLen(screen.data(), static_cast<UINT>(screen.size()));
     return *screenUnit != nullptr ? S_OK : E_OUTOFMEMORY;
   }

@@ -15,7 +15,7 @@ std::atomic<IVorPhysicalUnit*> service = nullptr;
 
 }  // namespace
 
-CComPtr<IVorPhysicalUnit> PhysicalUnitService() {
+IVorPhysicalUnit* PhysicalUnitService() {
   if (IVorPhysicalUnit* made = service.load(std::memory_order_acquire)) return made;
   const std::lock_guard guard(serviceLock);
   if (IVorPhysicalUnit* made = service.load(std::memory_order_relaxed)) return made;
@@ -28,8 +28,8 @@ CComPtr<IVorPhysicalUnit> PhysicalUnitService() {
 }
 
 HRESULT ValidateUnit(const wchar_t* unit) {
-  const CComPtr<IVorPhysicalUnit> units = PhysicalUnitService();
-  if (!units) return E_INVALIDARG;
+  IVorPhysicalUnit* const units = PhysicalUnitService();
+  if (units == nullptr) return E_INVALIDARG;
   VARIANT_BOOL valid = VARIANT_FALSE;
   const HRESULT result = units->IsValidUnit(unit == nullptr ? L"" : unit, &valid);
   if (FAILED(result)) return result;
@@ -37,8 +37,8 @@ HRESULT ValidateUnit(const wchar_t* unit) {
 }
 
 HRESULT ScreenUnit(const wchar_t* remoteUnit, std::wstring* screen) {
-  const CComPtr<IVorPhysicalUnit> units = PhysicalUnitService();
-  if (!units) return E_INVALIDARG;
+  IVorPhysicalUnit* const units = PhysicalUnitService();
+  if (units == nullptr) return E_INVALIDARG;
   CComBSTR text;
   const HRESULT result = units->GetScreenUnit(remoteUnit == nullptr ? L"" : remoteUnit, 0, &text);
   if (FAILED(result)) return result;

@@ -2,7 +2,6 @@
 
 #include <string>
 
-#include "CComPtr.h"
 #include "Export.h"
 #include "IVorPhysicalUnit.h"
 
@@ -12,8 +11,8 @@ namespace cvars {
 ///
 /// It is created by the first use and kept for the life of the process; when that fails the next
 /// use tries again. Thread-safe.
-/// @return null when it cannot be created.
-CVARS_API CComPtr<IVorPhysicalUnit> PhysicalUnitService();
+/// @return borrowed; null when it cannot be created.
+CVARS_API IVorPhysicalUnit* PhysicalUnitService();
 
 /// Asks the service whether a unit can be used.
 ///

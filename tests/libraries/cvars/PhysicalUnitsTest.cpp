@@ -17,7 +17,7 @@ TEST(PhysicalUnitServiceTest, AFailedCreationIsTriedAgainAndTheServiceIsKept) {
   DWORD cookie = 0;
   ASSERT_EQ(S_OK, CoRegisterClassObject(CLSID_PhysicalUnit, factory, CLSCTX_ALL, REGCLS_MULTIPLEUSE,
                                         &cookie));
-  EXPECT_EQ(nullptr, static_cast<IVorPhysicalUnit*>(cvars::PhysicalUnitService()));
+  EXPECT_EQ(nullptr, cvars::PhysicalUnitService());
   EXPECT_EQ(E_INVALIDARG, cvars::ValidateUnit(L"V"));
   std::wstring screen = L"kept";
   EXPECT_EQ(E_INVALIDARG, cvars::ScreenUnit(L"HZ", &screen));
@@ -26,7 +26,7 @@ TEST(PhysicalUnitServiceTest, AFailedCreationIsTriedAgainAndTheServiceIsKept) {
 
   IVorPhysicalUnit* const service = cvars::PhysicalUnitService();
   EXPECT_NE(nullptr, service);
-  EXPECT_EQ(service, static_cast<IVorPhysicalUnit*>(cvars::PhysicalUnitService()));
+  EXPECT_EQ(service, cvars::PhysicalUnitService());
 }
 
 TEST(PhysicalUnitServiceTest, IsOneForAllThreads) {
