@@ -75,7 +75,7 @@ class NotificationQueue {
   bool Empty() const noexcept { return m_next == m_first; }
 
  private:
-  static constexpr std::size_t kSegmentSize = 64;
+  static constexpr std::size_t kSegmentSize = 256;
   using Segment = std::array<Place, kSegmentSize>;
 
   Place*& Bucket(IVorCvar* source, IVorCvarEventSink* listener) noexcept;
