@@ -191,19 +191,21 @@ HRESULT CvarCore::CoreGetGuiHints(BSTR* hints) const {
 
 void CvarCore::SetIcon(unsigned long id) {
   const CvarExtras* const extras = ExtrasIfAny();
-  if (id == (extras == nullptr ? 0 : extras->iconId)) return;
-  Extras().iconId = id;
+  const auto wanted = static_cast<std::uint32_t>(id);
+  if (wanted == (extras == nullptr ? 0 : extras->iconId)) return;
+  Extras().iconId = wanted;
   (void)GetParentModuleInstanceHandle(&Extras().iconModule);  // without a parent there is no module
   (void)GetIVorCvar()->ForceNotification(NOTIFY_ATTRIBUTES);  // the operation has no result
 }
 
 void CvarCore::SetIcon(unsigned long id, unsigned long module) {
   const CvarExtras* const extras = ExtrasIfAny();
-  if (extras == nullptr ? id == 0 && module == 0
-                        : id == extras->iconId && ToModule(module) == extras->iconModule) {
+  const auto wanted = static_cast<std::uint32_t>(id);
+  if (extras == nullptr ? wanted == 0 && module == 0
+                        : wanted == extras->iconId && ToModule(module) == extras->iconModule) {
     return;
   }
-  Extras().iconId = id;
+  Extras().iconId = wanted;
   Extras().iconModule = ToModule(module);
   (void)GetIVorCvar()->ForceNotification(NOTIFY_ATTRIBUTES);  // the operation has no result
 }

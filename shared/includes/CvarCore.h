@@ -93,6 +93,7 @@ class CVARS_API CvarCore : public CvarBaseCpp {
   /// Sets NOTIFY_GUIHINTS on a change. @param hints  copied; null reads as empty.
   void SetGuiHints(const wchar_t* hints);
   /// Sets the icon from the parent's module. Sets NOTIFY_ATTRIBUTES when the icon ID changes.
+  /// @param id  its lower 32 bits count.
   void SetIcon(unsigned long id);
   /// Sets the icon from a module. Sets NOTIFY_ATTRIBUTES on a change.
   void SetIcon(unsigned long id, unsigned long module);

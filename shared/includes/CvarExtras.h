@@ -21,7 +21,7 @@ class CvarExtras {
 
   std::wstring guiHints;
   HINSTANCE iconModule = nullptr;
-  unsigned long iconId = 0;
+  std::uint32_t iconId = 0;
   CComPtr<ListenerProxy> proxy;                           // guarded by the object lock
   std::atomic<ReplicationManager*> replication{nullptr};  // owned
 };

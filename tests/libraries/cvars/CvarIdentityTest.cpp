@@ -374,6 +374,18 @@ TEST_F(CvarIdentity, IconIdWithoutAParentForgetsAnExplicitModule) {
   EXPECT_EQ(IconOf(*cvar), (Icon{6, 0}));
 }
 
+TEST_F(CvarIdentity, IconIdHas32Bits) {
+  cvar->SetIcon(0x100000000ul);
+  cvar->SetIcon(0x100000000ul, 0);
+  EXPECT_EQ(listener->TakeMasks(), Masks{});
+  cvar->SetIcon(0x100000005ul);
+  EXPECT_EQ(IconOf(*cvar), (Icon{5, 0}));
+  cvar->SetIcon(5);
+  EXPECT_EQ(listener->TakeMasks(), Masks{NOTIFY_ATTRIBUTES});
+  cvar->SetIcon(static_cast<unsigned long>(-1), 77);
+  EXPECT_EQ(IconOf(*cvar), (Icon{0xFFFFFFFF, 77}));
+}
+
 TEST_F(CvarIdentity, AnIconModuleWithoutIconIsNotFilled) {
   const auto bag = CCvarBag::Create(L"Trigger", ThisModule());
   ASSERT_EQ(bag->Add(cvar), S_OK);
