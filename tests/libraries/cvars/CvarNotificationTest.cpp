@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <thread>
+
 #include "CCvarBag.h"
 #include "DeveloperEvents.h"
 #include "LiveCvars.h"
@@ -269,6 +271,25 @@ TEST_F(CvarNotification, KindsThatAListenerAddsStartANewMask) {
   EXPECT_EQ(cvar->ForceNotification(NOTIFY_VALUE), S_OK);
   EXPECT_EQ(a->masks, (Masks{NOTIFY_VALUE, NOTIFY_RANGE}));
   EXPECT_EQ(b->masks, (Masks{NOTIFY_RANGE, NOTIFY_VALUE}));  // the inner one comes first here
+}
+
+TEST_F(CvarNotification, AnotherThreadUsesTheCvarWhileAListenerRuns) {
+  const Listener late = RecordingListener::Create();
+  a->onNotify = [&](IVorCvar* source, NOTIFYTYPE) {
+    std::thread other([&] {
+      EXPECT_EQ(source->AttachCvarEventSink(late), S_OK);
+      EXPECT_EQ(source->DetachCvarEventSink(b), S_OK);
+      EXPECT_EQ(Count(), 3);
+      CComVariant properties;
+      EXPECT_EQ(source->GetSignature(&properties), S_OK);
+    });
+    other.join();
+  };
+  EXPECT_EQ(cvar->ForceNotification(NOTIFY_VALUE), S_OK);
+  EXPECT_EQ(b->masks, Masks{NOTIFY_VALUE});
+  EXPECT_TRUE(late->masks.empty());
+  a->onNotify = nullptr;
+  EXPECT_EQ(cvar->DetachCvarEventSink(late), S_OK);
 }
 
 // Suspending --------------------------------------------------------------------------------------
