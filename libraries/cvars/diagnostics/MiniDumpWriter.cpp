@@ -153,10 +153,10 @@ HRESULT MiniDumpWriter::WriteDump(EXCEPTION_POINTERS* exception, BSTR* path, HAN
   if (file == INVALID_HANDLE_VALUE) return LastFailure();
   const MINIDUMP_EXCEPTION_INFORMATION information = {
       threadId != 0 ? threadId : GetCurrentThreadId(), exception, 0};
+  const HANDLE dumped = process != nullptr ? process : GetCurrentProcess();
   const bool written =
-      m_writeDump(process != nullptr ? process : GetCurrentProcess(),
-                  processId != 0 || process != nullptr ? processId : GetCurrentProcessId(), file,
-                  m_dumpType, exception != nullptr ? &information : nullptr, nullptr, nullptr) != 0;
+      m_writeDump(dumped, processId != 0 ? processId : GetProcessId(dumped), file, m_dumpType,
+                  exception != nullptr ? &information : nullptr, nullptr, nullptr) != 0;
   const HRESULT result = written ? S_OK : LastFailure();
   CloseHandle(file);
   if (written) *path = writtenPath.Detach();

@@ -32,7 +32,7 @@ class CVARS_API MiniDumpWriter {
   /// @param exception  null when there is none.
   /// @param path       caller frees; the path of the platform that was written. Null on failure.
   /// @param process    null = the current process.
-  /// @param processId  0 = the current process.
+  /// @param processId  0 = that of `process`.
   /// @param threadId   0 = the current thread; the thread that the exception belongs to.
   /// @retval E_POINTER  path is null
   /// @retval E_FAIL     there is no dump library that will do

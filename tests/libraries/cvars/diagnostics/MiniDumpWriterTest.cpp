@@ -2,6 +2,8 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 #include <csignal>
 #include <cstdio>
@@ -40,6 +42,14 @@ class MiniDumpWriterTest : public testing::Test {
     char signature[4] = {};
     std::ifstream(file, std::ios::binary).read(signature, sizeof(signature));
     return std::string_view(signature, 4) == "MDMP";
+  }
+
+  static std::vector<DWORD> ThreadsOf(const fs::path& file) {
+    std::vector<DWORD> identifiers;
+    for (const auto& thread : cvars::test::MinidumpReader(file).Threads()) {
+      identifiers.push_back(thread.identifier);
+    }
+    return identifiers;
   }
 
   cvars::test::IsolatedHome m_home;
@@ -235,6 +245,33 @@ TEST_F(MiniDumpWriterTest, TheExceptionBelongsToTheGivenThread) {
   EXPECT_EQ(ofThisThread.ExceptionInfo().code, static_cast<std::uint32_t>(SIGSEGV));
   const cvars::test::MinidumpReader ofOther(MakeLogs() / "Test1.dmp");
   EXPECT_EQ(ofOther.ExceptionInfo().thread, 1234u);
+}
+
+TEST_F(MiniDumpWriterTest, AProcessIsKnownByItsHandleAlone) {
+  MakeLogs();
+  MiniDumpWriter writer(L"Test", L"%LOGS%", 1000, 0);
+  CComBSTR path;
+  ASSERT_EQ(writer.WriteDump(nullptr, &path, GetCurrentProcess(), 0, 0), S_OK);
+  EXPECT_THAT(ThreadsOf(MakeLogs() / "Test.dmp"), testing::Contains(GetCurrentThreadId()));
+
+  int finish[2];
+  ASSERT_EQ(pipe(finish), 0);
+  const pid_t child = fork();
+  if (child == 0) {
+    close(finish[1]);
+    char token;
+    (void)!read(finish[0], &token, 1);
+    _exit(0);
+  }
+  close(finish[0]);
+  const HANDLE process =
+      OpenProcess(PROCESS_QUERY_INFORMATION | PROCESS_VM_READ, 0, static_cast<DWORD>(child));
+  path.Empty();
+  EXPECT_EQ(writer.WriteDump(nullptr, &path, process, 0, 0), S_OK);
+  CloseHandle(process);
+  EXPECT_EQ(ThreadsOf(MakeLogs() / "Test1.dmp"), std::vector<DWORD>{static_cast<DWORD>(child)});
+  close(finish[1]);
+  EXPECT_EQ(waitpid(child, nullptr, 0), child);
 }
 
 TEST(ProcessStatistics, CountsTheMemoryOfAProcess) {
