@@ -31,7 +31,8 @@ class ReplicationManager;
 ///
 /// Names, flags, help, icon and hints are state that the owner's thread writes. Replicas read them
 /// on other threads, so numbers are relaxed atomics, and texts are under the object lock as the
-/// listeners are; it is never held while a listener, a parent or a component runs.
+/// listeners are; it is never held while a listener, a parent or a component runs, but while the
+/// properties are gathered, which may ask the parent for its module.
 class CVARS_API CvarCore : public CvarBaseCpp {
  public:
   // Reference count -------------------------------------------------------------------------
