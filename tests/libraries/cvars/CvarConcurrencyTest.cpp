@@ -48,6 +48,23 @@ class CountingListener final
 };
 using Listener = CComPtr<CountingListener>;
 
+/// A listener that a test owns; its references are counted only.
+struct StackListener : IVorCvarEventSink {
+  HRESULT QueryInterface(REFIID iid, void** object) override {
+    if (iid != IID_IUnknown && iid != IID_IVorCvarEventSink) return E_NOINTERFACE;
+    *object = static_cast<IVorCvarEventSink*>(this);
+    AddRef();
+    return S_OK;
+  }
+  ULONG AddRef() override { return ++references; }
+  ULONG Release() override { return --references; }
+
+  std::atomic<ULONG> references{1};
+
+ protected:
+  ~StackListener() = default;
+};
+
 // Runs each piece of work on a thread of its own, all starting at once.
 void RunTogether(const std::vector<std::function<void()>>& work) {
   std::barrier start(static_cast<std::ptrdiff_t>(work.size()));
@@ -105,22 +122,13 @@ TEST_F(CvarConcurrency, ListenersComeAndGoUnderNotifications) {
 }
 
 TEST_F(CvarConcurrency, ListenersDetachThemselvesWhileOthersNotify) {
-  struct Leaver final : IVorCvarEventSink {
+  struct Leaver final : StackListener {
     explicit Leaver(IVorCvar& source) : cvar(source) {}
-    HRESULT QueryInterface(REFIID iid, void** object) override {
-      if (iid != IID_IUnknown && iid != IID_IVorCvarEventSink) return E_NOINTERFACE;
-      *object = static_cast<IVorCvarEventSink*>(this);
-      AddRef();
-      return S_OK;
-    }
-    ULONG AddRef() override { return ++references; }
-    ULONG Release() override { return --references; }
     HRESULT OnCvarNotify(IVorCvar*, NOTIFYTYPE) override {
       (void)cvar.DetachCvarEventSink(this);  // the first of several calls finds it
       return S_OK;
     }
     IVorCvar& cvar;
-    std::atomic<ULONG> references{0};
   };
   const Sample cvar = CvarObject<SampleCvar>::Create();
   std::vector<std::unique_ptr<Leaver>> leavers(4);
@@ -139,7 +147,7 @@ TEST_F(CvarConcurrency, ListenersDetachThemselvesWhileOthersNotify) {
   long count = 9;
   EXPECT_EQ(cvar->get_EventSinkCount(&count), S_OK);
   EXPECT_EQ(count, 0);
-  for (const auto& leaver : leavers) EXPECT_EQ(leaver->references.load(), 0u);
+  for (const auto& leaver : leavers) EXPECT_EQ(leaver->references.load(), 1u);
 }
 
 TEST_F(CvarConcurrency, NoKindOfChangeIsLostAndNoneStaysBehind) {
@@ -200,15 +208,7 @@ TEST_F(CvarConcurrency, AnyThreadMayGiveTheLastReferenceBack) {
 }
 
 TEST_F(CvarConcurrency, TheLastReferenceMayGoWhileAListenerIsCalled) {
-  struct Doorbell final : IVorCvarEventSink {
-    HRESULT QueryInterface(REFIID iid, void** object) override {
-      if (iid != IID_IUnknown && iid != IID_IVorCvarEventSink) return E_NOINTERFACE;
-      *object = static_cast<IVorCvarEventSink*>(this);
-      AddRef();
-      return S_OK;
-    }
-    ULONG AddRef() override { return ++references; }
-    ULONG Release() override { return --references; }
+  struct Doorbell final : StackListener {
     HRESULT OnCvarNotify(IVorCvar* source, NOTIFYTYPE) override {
       called.store(true);
       called.notify_one();
@@ -217,7 +217,6 @@ TEST_F(CvarConcurrency, TheLastReferenceMayGoWhileAListenerIsCalled) {
       EXPECT_GE(source->Release(), 1u);
       return S_OK;
     }
-    std::atomic<ULONG> references{1};
     std::atomic<bool> called{false};
   };
   for (int i = 0; i < kRounds; ++i) {
