@@ -4,6 +4,7 @@
 
 #include <cmath>
 #include <limits>
+#include <thread>
 
 #include "CComSafeArray.h"
 #include "LiveCvars.h"
@@ -215,6 +216,31 @@ TEST_F(CvarDefaults, AClassAddsItsPropertiesInTheirPlace) {
                                                {L"IconModuleInstance", VT_I4, L"7"},
                                                {L"Name", VT_BSTR, L"Mode"},
                                                {L"Type", VT_BSTR, L"Sample"}}));
+}
+
+// Notes, when its help text is read, whether another thread could take its lock.
+class WatchedCvar : public SampleCvar {
+ public:
+  HRESULT get_HelpString(BSTR* text) override {
+    std::thread([this] {
+      lockWasFree = m_lock.try_lock();
+      if (lockWasFree) m_lock.unlock();
+    }).join();
+    return SampleCvar::get_HelpString(text);
+  }
+
+  bool lockWasFree = false;
+
+ protected:
+  ~WatchedCvar() = default;
+};
+
+TEST_F(CvarDefaults, PropertiesAreGatheredUnderTheLock) {
+  const CComPtr<CvarObject<WatchedCvar>> cvar = CvarObject<WatchedCvar>::Create();
+  EXPECT_EQ(TextOf(*cvar, &IVorCvar::get_HelpString), L"");
+  EXPECT_TRUE(cvar->lockWasFree);
+  EXPECT_EQ(PropertiesOf(*cvar).size(), 9u);  // the eight common ones and "Added"
+  EXPECT_FALSE(cvar->lockWasFree);
 }
 
 TEST_F(CvarDefaults, PropertiesThatFailLeaveAnEmptyVariant) {
