@@ -1,12 +1,16 @@
 // cvar-log: prints the instrument's event log.
 
+#include <fcntl.h>
 #include <sys/inotify.h>
+#include <sys/prctl.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
 #include <charconv>
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
@@ -114,7 +118,7 @@ void PrintLine(const std::string& line, const Options& options) {
   }
 }
 
-// Prints the lines of a file, which may still be written.
+// Prints the lines of a file, or of a pipe, which may still be written.
 class ReadFile {
  public:
   // @param descriptor  closed at the end.
@@ -132,14 +136,15 @@ class ReadFile {
     while ((count = read(m_descriptor, block, sizeof(block))) > 0) {
       m_pending.append(block, static_cast<std::size_t>(count));
       PrintPending(options);
+      std::fflush(stdout);
     }
-    std::fflush(stdout);
   }
 
   // Prints the rest of a file that is not written any more.
   void PrintToEnd(const Options& options) {
     PrintNew(options);
     PrintLine(m_pending, options);
+    std::fflush(stdout);
     m_pending.clear();
   }
 
@@ -229,22 +234,31 @@ int PrintFiles(const Options& options) {
   return 0;
 }
 
-// The journal has a reader of its own.
-int PrintJournal(const Options& options) {
-  std::vector<std::string> words = {"journalctl", "--utc",
-                                    std::string("SYSLOG_IDENTIFIER=") + kJournalIdentifier};
-  if (!options.source.empty()) words.push_back("VORTANA_SOURCE=" + options.source);
-  if (options.type) words.push_back("VORTANA_TYPE=" + std::to_string(*options.type));
-  if (!options.since.empty()) words.push_back("--since=" + options.since);
-  if (!options.until.empty()) words.push_back("--until=" + options.until);
-  if (options.follow) words.push_back("--follow");
-  words.push_back(options.json ? "--output=json" : "--output=short-iso-precise");
-  std::vector<char*> arguments;
-  for (std::string& word : words) arguments.push_back(word.data());
-  arguments.push_back(nullptr);
-  execvp(arguments[0], arguments.data());
+// Becomes the journal's own reader, which writes the stored lines of all entries to a descriptor.
+[[noreturn]] void ReadJournalTo(int descriptor, bool follow) {
+  prctl(PR_SET_PDEATHSIG, SIGTERM);  // else it goes on following when its reader is killed
+  dup2(descriptor, STDOUT_FILENO);
+  const std::string identifier = std::string("SYSLOG_IDENTIFIER=") + kJournalIdentifier;
+  const std::string field = std::string("--output-fields=") + kJournalEntryField;
+  // With --follow it would otherwise begin ten entries before the end.
+  const char* const arguments[] = {
+      "journalctl",  "--quiet",   "--no-pager",       "--output=cat",
+      field.c_str(), "--no-tail", identifier.c_str(), follow ? "--follow" : nullptr,
+      nullptr};
+  execvp(arguments[0], const_cast<char* const*>(arguments));
   std::perror("cvar-log: journalctl cannot be started");
-  return 1;
+  _exit(1);
+}
+
+int PrintJournal(const Options& options) {
+  int lines[2];
+  if (pipe2(lines, O_CLOEXEC) != 0) return 1;
+  const pid_t reader = fork();
+  if (reader == 0) ReadJournalTo(lines[1], options.follow);
+  close(lines[1]);
+  ReadFile(lines[0]).PrintToEnd(options);
+  int status = 0;
+  return reader > 0 && waitpid(reader, &status, 0) == reader && status == 0 ? 0 : 1;
 }
 
 }  // namespace

@@ -148,7 +148,7 @@ class EventLog final
             {"SYSLOG_IDENTIFIER", kJournalIdentifier},
             {"VORTANA_SOURCE", platform::ToUtf8(m_source)},
             {"VORTANA_TYPE", std::to_string(eventType)},
-            {"VORTANA_ENTRY", line.Line()}};
+            {kJournalEntryField, line.Line()}};
   }
 
   std::wstring m_source;

@@ -10,6 +10,9 @@ namespace cvars::components {
 /// The name under which the system's journal knows all entries.
 inline constexpr char kJournalIdentifier[] = "vortana";
 
+/// The field that holds an entry as the files hold it, one JSON object.
+inline constexpr char kJournalEntryField[] = "VORTANA_ENTRY";
+
 /// Gives the socket of the system's journal; empty when there is none.
 ///
 /// The variable VORTANA_JOURNAL names another socket; "none" means no journal.

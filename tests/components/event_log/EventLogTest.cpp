@@ -1,16 +1,11 @@
-#include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <poll.h>
 #include <signal.h>
-#include <sys/ioctl.h>
 #include <sys/socket.h>
 #include <sys/un.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <array>
-#include <chrono>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -18,16 +13,15 @@
 #include <thread>
 #include <vector>
 
-#include "CComBSTR.h"
 #include "CComPtr.h"
 #include "CComVariant.h"
 #include "IVorEventLogMgr.h"
-#include "IsolatedHome.h"
 #include "SafeArray.h"
 #include "components/event_log/LogFile.h"
 #include "platform/Components.h"
 #include "platform/JsonLine.h"
 #include "platform/Processes.h"
+#include "tests/components/event_log/EventLogFixture.h"
 
 namespace {
 
@@ -36,21 +30,11 @@ using cvars::components::HomeLogFile;
 using cvars::components::LogFile;
 using cvars::platform::JsonMembers;
 using cvars::platform::ReadJsonLine;
+using cvars::test::EventLog;
+using cvars::test::OpenLog;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::StartsWith;
-
-CComPtr<IVorEventLog> OpenLog(const wchar_t* source) {
-  CComPtr<IVorEventLogMgr> manager;
-  EXPECT_EQ(cvars::platform::CreateComponent(L"Vortana.EventLogMgr.1", IID_IVorEventLogMgr,
-                                             reinterpret_cast<void**>(&manager)),
-            S_OK);
-  CComPtr<IVorEventLog> log;
-  if (manager != nullptr) {
-    EXPECT_EQ(manager->GetEventLog(source, &log), S_OK);
-  }
-  return log;
-}
 
 std::vector<std::string> LinesOf(const fs::path& path) {
   std::vector<std::string> lines;
@@ -69,13 +53,6 @@ std::vector<JsonMembers> Entries() {
   }
   return entries;
 }
-
-class EventLog : public testing::Test {
- protected:
-  void SetUp() override { setenv("VORTANA_JOURNAL", "none", 1); }
-  void TearDown() override { unsetenv("VORTANA_JOURNAL"); }
-  cvars::test::IsolatedHome m_home;
-};
 
 TEST_F(EventLog, ChecksItsArguments) {
   CComPtr<IVorEventLogMgr> manager;
@@ -344,195 +321,6 @@ TEST_F(EventLog, WhatTheJournalDoesNotTakeGoesToTheFile) {
   EXPECT_EQ(journal.Receive(), "");
   ASSERT_EQ(Entries().size(), 1u);
   EXPECT_EQ(Entries()[0].at("message"), "huge");
-}
-
-// The reader program.
-class CvarLog : public EventLog {
- protected:
-  static std::string Run(const std::string& arguments) {
-    std::string output;
-    FILE* pipe = popen((CVARS_BINARY_DIR "/bin/cvar-log " + arguments + " 2>&1").c_str(), "r");
-    std::array<char, 4096> block;
-    while (const std::size_t count = fread(block.data(), 1, block.size(), pipe)) {
-      output.append(block.data(), count);
-    }
-    m_status = pclose(pipe);
-    return output;
-  }
-
-  void WriteLines(std::initializer_list<const char*> lines, int age = 0) {
-    fs::create_directories(HomeLogFile().Folder());
-    std::ofstream file(HomeLogFile().File(age), std::ios::app);
-    for (const char* line : lines) file << line << '\n';
-  }
-
-  static inline int m_status = 0;
-};
-
-constexpr char kOld[] =
-    R"({"time":"2026-11-20T08:00:00.000000Z","source":"CvarDev","type":4,"text":"old"})";
-constexpr char kWarning[] =
-    R"({"time":"2026-11-21T08:00:00.000000Z","source":"CvarDev","type":2,"text":"careful"})";
-constexpr char kError[] =
-    R"({"time":"2026-11-21T09:00:00.000000Z","source":"CvarEnum","type":1,"text":"wrong"})";
-constexpr char kOldText[] = "2026-11-20T08:00:00.000000Z information CvarDev old\n";
-constexpr char kWarningText[] = "2026-11-21T08:00:00.000000Z warning CvarDev careful\n";
-constexpr char kErrorText[] = "2026-11-21T09:00:00.000000Z error CvarEnum wrong\n";
-
-TEST_F(CvarLog, PrintsTheOldestFirstThroughAllFiles) {
-  WriteLines({kOld}, 2);
-  WriteLines({kWarning}, 1);
-  WriteLines({kError});
-  EXPECT_EQ(Run(""), std::string(kOldText) + kWarningText + kErrorText);
-  EXPECT_EQ(m_status, 0);
-}
-
-TEST_F(CvarLog, AnEmptyLogPrintsNothing) {
-  EXPECT_EQ(Run(""), "");
-  EXPECT_EQ(m_status, 0);
-}
-
-TEST_F(CvarLog, CutLinesAreLeftOut) {
-  WriteLines({kWarning, "{\"time\":\"2026-11-21T08:3", kError});
-  EXPECT_EQ(Run(""), std::string(kWarningText) + kErrorText);
-}
-
-TEST_F(CvarLog, FiltersBySourceTypeAndTime) {
-  WriteLines({kOld, kWarning, kError});
-  EXPECT_EQ(Run("--source CvarEnum"), kErrorText);
-  EXPECT_EQ(Run("--type warning"), kWarningText);
-  EXPECT_EQ(Run("--type 4"), kOldText);
-  EXPECT_EQ(Run("--since 2026-11-21"), std::string(kWarningText) + kErrorText);
-  EXPECT_EQ(Run("--until 2026-11-21"), kOldText);
-  EXPECT_EQ(Run("--since 2026-11-20T09:00 --until 2026-11-21T08:30:00Z"), kWarningText);
-  EXPECT_EQ(Run("--source CvarDev --type error"), "");
-}
-
-TEST_F(CvarLog, PrintsTheStoredObjectsForTools) {
-  WriteLines({kWarning, kError});
-  EXPECT_EQ(Run("--json --type error"), std::string(kError) + '\n');
-}
-
-TEST_F(CvarLog, TellsItsUsageWhenNotUnderstood) {
-  for (const char* arguments : {"--unknown", "--source", "--type loud", "--help"}) {
-    EXPECT_THAT(Run(arguments), StartsWith("usage: cvar-log")) << arguments;
-    EXPECT_EQ(WEXITSTATUS(m_status), 2) << arguments;
-  }
-}
-
-// "cvar-log --follow" as a child process. Its output waits in a pipe of one page.
-class FollowingReader {
- public:
-  FollowingReader() {
-    int output[2];
-    EXPECT_EQ(pipe2(output, O_CLOEXEC), 0);
-    EXPECT_EQ(fcntl(output[0], F_SETPIPE_SZ, kPipeBytes), kPipeBytes);
-    m_output = output[0];
-    m_process = fork();
-    if (m_process == 0) {
-      dup2(output[1], STDOUT_FILENO);
-      execl(CVARS_BINARY_DIR "/bin/cvar-log", "cvar-log", "--follow", static_cast<char*>(nullptr));
-      _exit(127);
-    }
-    close(output[1]);
-  }
-  ~FollowingReader() {
-    kill(m_process, SIGKILL);
-    waitpid(m_process, nullptr, 0);
-    close(m_output);
-  }
-  FollowingReader(const FollowingReader&) = delete;
-  FollowingReader& operator=(const FollowingReader&) = delete;
-
-  // The next line; what came of it when nothing more comes in time.
-  std::string ReadLine() {
-    std::size_t end = m_unread.find('\n');
-    pollfd readable = {m_output, POLLIN, 0};
-    while (end == std::string::npos && poll(&readable, 1, kDeadlineMs) == 1) {
-      char block[kPipeBytes];
-      const ssize_t count = read(m_output, block, sizeof(block));
-      if (count <= 0) break;
-      const std::size_t before = m_unread.size();
-      m_unread.append(block, static_cast<std::size_t>(count));
-      end = m_unread.find('\n', before);
-    }
-    const std::size_t length = end == std::string::npos ? m_unread.size() : end + 1;
-    const std::string line = m_unread.substr(0, length);
-    m_unread.erase(0, length);
-    return line;
-  }
-
-  // @return whether the program waits for its output to be taken.
-  bool WaitUntilFull() const {
-    const auto deadline = std::chrono::steady_clock::now() + std::chrono::milliseconds(kDeadlineMs);
-    for (int waiting = 0; waiting < kPipeBytes; std::this_thread::yield()) {
-      if (ioctl(m_output, FIONREAD, &waiting) != 0) return false;
-      if (std::chrono::steady_clock::now() > deadline) return false;
-    }
-    return true;
-  }
-
- private:
-  static constexpr int kPipeBytes = 4096;
-  static constexpr int kDeadlineMs = 20'000;
-  pid_t m_process = -1;
-  int m_output = -1;
-  std::string m_unread;
-};
-
-TEST_F(CvarLog, FollowsNewEntriesThroughAChangeOfFiles) {
-  WriteLines({kOld});
-  FollowingReader reader;
-  EXPECT_EQ(reader.ReadLine(), kOldText);
-  WriteLines({kWarning});
-  EXPECT_EQ(reader.ReadLine(), kWarningText);
-  fs::rename(HomeLogFile().File(0), HomeLogFile().File(1));
-  WriteLines({kError});
-  EXPECT_EQ(reader.ReadLine(), kErrorText);
-}
-
-TEST_F(CvarLog, FollowsALogThatDoesNotExistYet) {
-  FollowingReader reader;
-  const CComPtr<IVorEventLog> log = OpenLog(L"CvarDev");
-  ASSERT_EQ(log->LogEvent(L"m", L"the first", 4, L"", CComVariant()), S_OK);
-  EXPECT_THAT(reader.ReadLine(), testing::EndsWith("Z information CvarDev the first\n"));
-}
-
-// Ten entries to a file, so that the files move up at every tenth.
-void LogLongEntries(int first, int end) {
-  const CComPtr<IVorEventLog> log = OpenLog(L"CvarDev");
-  const std::wstring filling(100'000, L'x');
-  for (int number = first; number < end; ++number) {
-    ASSERT_EQ(log->LogEvent(L"m", (std::to_wstring(number) + L" " + filling).c_str(), 4, L"",
-                            CComVariant()),
-              S_OK);
-  }
-}
-
-void ExpectLongEntries(FollowingReader& reader, int first, int end) {
-  for (int number = first; number < end; ++number) {
-    const std::string line = reader.ReadLine();
-    ASSERT_THAT(line.substr(0, 60), HasSubstr("CvarDev " + std::to_string(number) + " x"));
-    EXPECT_THAT(line, testing::EndsWith("x\n"));
-  }
-}
-
-TEST_F(CvarLog, NoEntryIsMissedWhenFilesMoveUpWhileOlderOnesArePrinted) {
-  LogLongEntries(0, 25);
-  FollowingReader reader;
-  ASSERT_TRUE(reader.WaitUntilFull());  // it is inside its first, oldest file
-  LogLongEntries(25, 55);
-  ExpectLongEntries(reader, 0, 55);
-}
-
-TEST_F(CvarLog, NoEntryIsMissedWhenSeveralFilesComeBetweenTwoLooks) {
-  WriteLines({kOld});
-  FollowingReader reader;
-  EXPECT_EQ(reader.ReadLine(), kOldText);
-  LogLongEntries(0, 5);
-  ASSERT_TRUE(reader.WaitUntilFull());
-  LogLongEntries(5, 45);
-  ExpectLongEntries(reader, 0, 45);
 }
 
 }  // namespace
