@@ -1,12 +1,16 @@
 #pragma once
 
-#include "OwnedBstr.h"
+#include <utility>
 
-/// Owning string that the cvars hand out and the developer event log takes.
-class CVorComBSTR : public cvars::OwnedBstr {
+#include "CComBSTR.h"
+
+/// Owning string that the text cvars hand out and the developer event log takes. It goes wherever a
+/// client's own string does.
+class CVARS_API CVorComBSTR : public CComBSTR {
  public:
-  using OwnedBstr::OwnedBstr;
-  using OwnedBstr::operator=;
+  using CComBSTR::CComBSTR;
+  using CComBSTR::operator=;
   CVorComBSTR() noexcept = default;
-  CVorComBSTR(const OwnedBstr& other) : OwnedBstr(other) {}
+  CVorComBSTR(const OwnedBstr& other) : CComBSTR(other) {}
+  CVorComBSTR(CComBSTR&& other) noexcept : CComBSTR(std::move(other)) {}
 };

@@ -7,6 +7,7 @@
 #include "CComBSTR.h"
 #include "CComSafeArray.h"
 #include "CComVariant.h"
+#include "CVorComBSTR.h"
 #include "CvarCore.h"
 #include "CvarText.h"
 #include "IVorCvar.h"
@@ -238,7 +239,10 @@ class CVARS_API IVorCvarImpl
   using Getters::GetAdaptedValue;
   /// The adapted value.
   virtual ValueType GetAdaptedValue() { return ReadField(m_adapted); }
-  operator ValueType() { return GetAdaptedValue(); }  // NOLINT: a cvar reads as its value
+  /// A cvar reads as its value; a text as a string that also is a CComBSTR.
+  using Reading_t =
+      std::conditional_t<std::is_same_v<ValueType, CComBSTR>, CVorComBSTR, ValueType>;
+  operator Reading_t() { return GetAdaptedValue(); }  // NOLINT: meant to be implicit
 
   /// The three values as they are kept, for the getters.
   HRESULT CopyAdapted(ValueType* value) const { return CopyField(m_adapted, value); }

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "CVorComBSTR.h"
 #include "CvarObject.h"
 #include "ReadProperties.h"
 #include "RecordingListener.h"
@@ -152,6 +153,18 @@ TEST(StringTexts, AreTheTextItself) {
        {&IVorCvar::get_Range, &IVorCvar::get_RangeStringScreen, &IVorCvar::get_RangeStringRemote,
         &IVorCvar::get_RangeStringAutomation}) {
     EXPECT_EQ(Text(cvar, range), L"Any number of characters");
+  }
+}
+
+TEST(StringTexts, ACvarReadsAsEitherOwningString) {
+  const String cvar = MakeString(3, L"abcd");
+  const CVorComBSTR handedOut = *cvar;
+  const CComBSTR own = *cvar;
+  const CVorComBSTR madeFrom(*cvar);
+  const CComBSTR madeOwn(*cvar);
+  for (const CComBSTR* text : {static_cast<const CComBSTR*>(&handedOut), &own,
+                               static_cast<const CComBSTR*>(&madeFrom), &madeOwn}) {
+    EXPECT_EQ(text->View(), L"abc");
   }
 }
 
