@@ -43,7 +43,6 @@ void CCvarFileName::Initialize(const wchar_t* name, const wchar_t* defaultValue,
     const ScopedLock guard(m_lock);
     m_root = CComBSTR(root);
     m_path = CComBSTR(path);
-    m_fileName = CComBSTR();
     m_filters = CComBSTR(filters);
     m_format = CComBSTR(format);
   }

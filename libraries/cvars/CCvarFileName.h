@@ -22,7 +22,7 @@ class CVARS_API CCvarFileName : public CvarTextImpl<CCvarFileName, IVorCvarFileN
   /// Names and configures the cvar and requests its default; tells nobody. Reads the locked drive,
   /// making its registry key when it is missing.
   ///
-  /// @param defaultValue   copied; empty keeps `path` and has no file name.
+  /// @param defaultValue   copied; empty keeps `path` and the file name that is there.
   /// @param format         "filename", "path" or "fullfilename"; case counts.
   /// @param directoryOnly  the value names a folder.
   void Initialize(const wchar_t* name, const wchar_t* defaultValue, const wchar_t* root,

@@ -113,6 +113,14 @@ TEST_F(FileName, EmptyDefaultKeepsThePathGiven) {
   EXPECT_EQ(Get(other, &IVorCvarFileName::get_PathValue), L"C:\\x");
 }
 
+TEST_F(FileName, EmptyDefaultKeepsTheFileNameThatIsThere) {
+  const File cvar = CvarObject<CCvarFileName>::Create();
+  EXPECT_EQ(cvar->put_FileNameValue(L"a.trc"), S_OK);
+  cvar->Initialize(L"File", L"", L"", L"D:\\Data", L"", L"fullfilename", 16, 0, 0, CVARFLAGS(0),
+                   nullptr, 0, REPLICATE_VALUE | REPLICATE_REQUESTED);
+  EXPECT_EQ(Adapted(cvar), L"D:\\Data\\a.trc");
+}
+
 TEST_F(FileName, SwitchingDirectoryOnlyOnChangesTheFormatToPath) {
   const File cvar = Make(L"fullfilename", L"D:\\Data\\a.trc", L"");
   const auto listener = RecordingListener::Create();
