@@ -93,7 +93,7 @@ void CCvarFileName::LoadNewRequestedValue(const wchar_t* text) {
     if (m_directoryOnly != 0) {
       m_fileName = CComBSTR();
       m_path = CComBSTR(wanted);
-    } else if (wanted.empty()) {
+    } else if (wanted.find_first_not_of(kSeparator) == std::wstring_view::npos) {
       m_fileName = CComBSTR();
       m_path = CComBSTR();
     } else if (separator != std::wstring_view::npos) {

@@ -85,6 +85,7 @@ constexpr SplitCase kSplitCases[] = {
     {"BareNameIsThePathOfAPathCvar", L"path", L"b", L"b", L""},
     {"EmptyClearsBoth", L"fullfilename", L"", L"", L""},
     {"SeparatorAloneClearsBoth", L"fullfilename", L"\\", L"", L""},
+    {"SeparatorsAloneClearBoth", L"fullfilename", L"\\\\", L"", L""},
 };
 
 TEST_F(FileName, RequestIsTakenApart) {
