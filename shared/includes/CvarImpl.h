@@ -240,8 +240,7 @@ class CVARS_API IVorCvarImpl
   /// The adapted value.
   virtual ValueType GetAdaptedValue() { return ReadField(m_adapted); }
   /// A cvar reads as its value; a text as a string that also is a CComBSTR.
-  using Reading_t =
-      std::conditional_t<std::is_same_v<ValueType, CComBSTR>, CVorComBSTR, ValueType>;
+  using Reading_t = std::conditional_t<std::is_same_v<ValueType, CComBSTR>, CVorComBSTR, ValueType>;
   operator Reading_t() { return GetAdaptedValue(); }  // NOLINT: meant to be implicit
 
   /// The three values as they are kept, for the getters.
