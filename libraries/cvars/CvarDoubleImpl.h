@@ -93,9 +93,12 @@ class CVARS_API IVorCvarDoubleImpl
     return changed;
   }
   bool RoundAndSetAdapted(double value, double grain);
-  HRESULT SetGrain(double grain);
-  HRESULT SetMax(double max);
-  HRESULT SetMin(double min);
+  /// What the setters of the range store; they adapt and notify after S_OK only. The same for the
+  /// next two. A derived class may limit or refuse what it is given.
+  /// @retval E_INVALIDARG  not finite  @retval S_FALSE  no change
+  virtual HRESULT SetGrain(double grain);
+  virtual HRESULT SetMax(double max);
+  virtual HRESULT SetMin(double min);
 
   HRESULT RequestRead(const wchar_t* text, double value) override;
   HRESULT FormatAdapted(std::wstring_view unit, cvars::NumberStyle style, BSTR* text) override;

@@ -276,6 +276,30 @@ TEST_F(DoubleRange, AMinimumAboveTheMaximumRaisesItToo) {
   EXPECT_EQ(listener->TakeMasks(), Masks{kRangeAndValue});
 }
 
+/// Takes no maximum above 20, no negative minimum and no grain but whole ones.
+class LimitedDouble : public CCvarDouble {
+ protected:
+  LimitedDouble() = default;
+  ~LimitedDouble() = default;
+
+  HRESULT SetMax(double max) override { return max > 20 ? E_FAIL : CCvarDouble::SetMax(max); }
+  HRESULT SetMin(double min) override { return CCvarDouble::SetMin(min < 0 ? 0 : min); }
+  HRESULT SetGrain(double grain) override { return CCvarDouble::SetGrain(std::floor(grain)); }
+};
+
+TEST_F(DoubleRange, ADerivedClassMayLimitTheRange) {
+  const CComPtr<CvarObject<LimitedDouble>> limited = CvarObject<LimitedDouble>::Create();
+  limited->Initialize(L"Level", 4, 1, 10, 2, nullptr, CVARFLAGS(0), nullptr, 0, REPLICATE_VALUE);
+  EXPECT_EQ(limited->AttachCvarEventSink(listener), S_OK);
+  EXPECT_EQ(limited->SetMaxValue(21.0), E_FAIL);
+  EXPECT_EQ(limited->GetMax(), 10.0);
+  EXPECT_EQ(limited->SetGrainValue(2.5), S_FALSE);
+  EXPECT_TRUE(listener->masks.empty());
+  EXPECT_EQ(limited->SetMinValue(-3.0), S_OK);
+  EXPECT_EQ(limited->GetMin(), 0.0);
+  EXPECT_EQ(listener->TakeMasks(), Masks{NOTIFY_RANGE});
+}
+
 TEST_F(DoubleRange, NumberOfIncrementsNeedsAPositiveGrain) {
   double count = 9;
   EXPECT_EQ(cvar->get_NumberOfIncrement(&count), S_OK);
