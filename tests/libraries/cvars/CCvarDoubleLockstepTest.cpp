@@ -161,6 +161,20 @@ TEST_F(LockstepCvarTest, FineIncrementsUseTheStepOfTheDecadePartTheyLeadInto) {
   EXPECT_EQ(listener->TakeMasks(), (Masks{NOTIFY_RANGE | kRequestedAndValue}));
 }
 
+TEST_F(LockstepCvarTest, ARefusedFineIncrementMovesTheGrainAllTheSame) {
+  const auto cvar = Make(0.001, 1000, LOCKSTEP_1_2_5, 2);
+  EXPECT_EQ(cvar->put_FineGrainOn(1), S_OK);
+  cvar->SetReadOnly(1);
+  const auto listener = RecordingListener::Create();
+  ASSERT_EQ(cvar->AttachCvarEventSink(listener), S_OK);
+  EXPECT_EQ(cvar->IncrementFine(1), E_ACCESSDENIED);
+  EXPECT_DOUBLE_EQ(cvar->GetGrain(), 0.05);
+  EXPECT_DOUBLE_EQ(Adapted(cvar), 2);
+  EXPECT_TRUE(listener->masks.empty());
+  cvar->SetReadOnly(0);
+  EXPECT_EQ(listener->TakeMasks(), (Masks{NOTIFY_FLAGS | NOTIFY_RANGE})) << "told with the next";
+}
+
 TEST_F(LockstepCvarTest, SetRangeUpdatesBoundsAndGrain) {
   const auto cvar = Make(0.001, 1000, LOCKSTEP_1_2_5, 5);
   // The grain of an Initialize is that of the value before its default: 1 % of 0.001.

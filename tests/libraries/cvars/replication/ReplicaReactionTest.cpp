@@ -3,6 +3,7 @@
 #include <vector>
 
 #include "BareCvar.h"
+#include "CCvarString.h"
 #include "DeveloperEvents.h"
 #include "RecordingListener.h"
 #include "ReplicationFixture.h"
@@ -107,6 +108,24 @@ TEST_F(ReplicaReactionTest, ReadOnlyIsLiftedEvenWhenNothingIsCopied) {
   ASSERT_EQ(replica->AttachCvarEventSink(listener), S_OK);
   EXPECT_EQ(replica->OnCvarNotify(m_source, NOTIFY_VALUE), S_OK);
   EXPECT_EQ(listener->masks, std::vector<NOTIFYTYPE>{NOTIFY_FLAGS});
+  EXPECT_EQ(Flags(replica), CVARFLAG_READONLY);
+}
+
+// A cvar without a range of its own suspends nothing: each step is told as it happens.
+TEST_F(ReplicaReactionTest, ATextTellsEveryStepOfAnOverride) {
+  const auto make = [](const wchar_t* text, CVARREPLICATIONFLAGS copies) {
+    auto cvar = CvarObject<CCvarString>::Create();
+    cvar->Initialize(L"Label", text, 100, CVARFLAGS(0), L"", 0, copies);
+    return cvar;
+  };
+  const auto source = make(L"new", kUsual);
+  const auto replica = make(L"old", kUsual | REPLICATE_OVERRIDE_READONLY);
+  replica->SetReadOnly(1);
+  const CComPtr<RecordingListener> listener = RecordingListener::Create();
+  ASSERT_EQ(replica->AttachCvarEventSink(listener), S_OK);
+  EXPECT_EQ(replica->OnCvarNotify(source, NOTIFY_VALUE | NOTIFY_REQUESTED), S_OK);
+  EXPECT_EQ(listener->masks,
+            (std::vector<NOTIFYTYPE>{NOTIFY_FLAGS, NOTIFY_VALUE | NOTIFY_REQUESTED, NOTIFY_FLAGS}));
   EXPECT_EQ(Flags(replica), CVARFLAG_READONLY);
 }
 
