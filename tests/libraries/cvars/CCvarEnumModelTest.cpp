@@ -1,6 +1,10 @@
 // An enum beside a plain one: the same operations in random order, the same answers.
 
+#include <algorithm>
+#include <cmath>
 #include <cstdlib>
+#include <string>
+#include <utility>
 #include <vector>
 
 #include "EnumCvarTest.h"
