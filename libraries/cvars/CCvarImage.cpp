@@ -85,6 +85,7 @@ HRESULT CCvarImage::CreateBitmap(int width, int height, HBITMAP* bitmap) {
   } catch (const std::exception&) {
     return E_FAIL;
   }
+  Replace(nullptr);
   BITMAP description = {0, width, height, width * 2, 1, kPixelBits, pixels.data()};
   const HBITMAP made = CreateBitmapIndirect(&description);
   if (made == nullptr) return E_FAIL;

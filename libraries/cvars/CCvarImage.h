@@ -35,7 +35,8 @@ class CVARS_API CCvarImage : public IVorCvarImpl<CCvarImage, IVorCvarImage, CCom
   /// The number of bits that the cvar shows afterwards is the first pixel, 0, which is meant.
   /// @param[out] bitmap  borrowed; null on failure.
   /// @retval E_POINTER  bitmap is null
-  /// @retval E_FAIL     a size below 1, or too large; the old bitmap stays
+  /// @retval E_FAIL     a size below 1, or more pixels than there is memory for, and the old bitmap
+  ///                    stays; or the bitmap of the pixels cannot be made, and none stays
   HRESULT CreateBitmap(int width, int height, HBITMAP* bitmap) override;
 
   HRESULT get_Value(VARIANT* value) override;

@@ -1,6 +1,11 @@
 #include "CCvarImage.h"
 
 #include <gtest/gtest.h>
+#include <sys/resource.h>
+#include <unistd.h>
+
+#include <cstdlib>
+#include <fstream>
 
 #include "CvarObject.h"
 #include "ReadProperties.h"
@@ -73,6 +78,42 @@ TEST(ImageCreate, SizesThatCannotBeKeepTheOldBitmap) {
   EXPECT_EQ(HandleOf(cvar), old);
   EXPECT_TRUE(listener->masks.empty());
 }
+
+#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)  // which end without memory
+/// Leaves the process room for so many more bytes.
+void LimitMemory(std::size_t more) {
+  std::size_t pages = 0;
+  std::ifstream("/proc/self/statm") >> pages;
+  const rlim_t bytes = pages * static_cast<std::size_t>(sysconf(_SC_PAGESIZE)) + more;
+  const rlimit limit = {bytes, bytes};
+  ASSERT_EQ(setrlimit(RLIMIT_AS, &limit), 0);
+}
+
+TEST(ImageCreateDeathTest, PixelsThatMakeNoBitmapLeaveNone) {
+  const auto run = [] {
+    const Image cvar = MakeImage();
+    HBITMAP old = nullptr;
+    ASSERT_EQ(cvar->CreateBitmap(2, 2, &old), S_OK);
+    const auto listener = RecordingListener::Create();
+    ASSERT_EQ(cvar->AttachCvarEventSink(listener), S_OK);
+    // 32 MB of pixels fit, but not twice.
+    LimitMemory(48 << 20);
+    HBITMAP bitmap = old;
+    ASSERT_EQ(cvar->CreateBitmap(4096, 4096, &bitmap), E_FAIL);
+    EXPECT_EQ(bitmap, nullptr);
+    EXPECT_EQ(HandleOf(cvar), nullptr);
+    EXPECT_FALSE(IsBitmap(old));
+    EXPECT_TRUE(listener->masks.empty());
+    EXPECT_EQ(SignatureOf(cvar), L"Type,Image,Adapt,<IMAGE>,Flags,-,Width,2,Height,2,Bits,0");
+  };
+  EXPECT_EXIT(
+      {
+        run();
+        std::exit(::testing::Test::HasFailure() ? 1 : 0);
+      },
+      ::testing::ExitedWithCode(0), "");
+}
+#endif
 
 TEST(ImageLoad, MissingFileLeavesNoBitmapKeepsTheSizeAndStillNotifies) {
   const Image cvar = MakeImage();
