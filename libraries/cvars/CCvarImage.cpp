@@ -30,7 +30,7 @@ void CCvarImage::Initialize(const wchar_t* name, unsigned int bitmapResourceId, 
                             const wchar_t* guiHints, unsigned int helpStringID,
                             CVARREPLICATIONFLAGS replicationFlags) {
   const cvars::SilentScope silence(*this);
-  if (guiHints != nullptr) SetGuiHints(guiHints);
+  SetGuiHints(guiHints);
   SetName(name);
   StoreHelpStringID(helpStringID);
   SetReplicationFlags(replicationFlags);

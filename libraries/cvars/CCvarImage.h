@@ -16,6 +16,7 @@ class CVARS_API CCvarImage : public IVorCvarImpl<CCvarImage, IVorCvarImage, CCom
   using IVorCvarImpl::GetAdaptedValueNorm;
 
   /// Names and configures the cvar and loads a bitmap of the parent's module; tells nobody.
+  /// @param guiHints  copied; null clears the hints.
   void Initialize(const wchar_t* name, unsigned int bitmapResourceId, CVARFLAGS flags,
                   const wchar_t* guiHints, unsigned int helpStringID,
                   CVARREPLICATIONFLAGS replicationFlags);

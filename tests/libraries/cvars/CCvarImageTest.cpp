@@ -115,6 +115,14 @@ TEST(ImageCreateDeathTest, PixelsThatMakeNoBitmapLeaveNone) {
 }
 #endif
 
+TEST(ImageInitialize, NullClearsTheHints) {
+  const Image cvar = MakeImage();
+  cvar->Initialize(L"Screen", 1, CVARFLAGS(0), nullptr, 7, REPLICATE_VALUE | REPLICATE_REQUESTED);
+  CComBSTR hints;
+  EXPECT_EQ(cvar->GetGuiHints(&hints), S_OK);
+  EXPECT_EQ(hints.View(), L"");
+}
+
 TEST(ImageLoad, MissingFileLeavesNoBitmapKeepsTheSizeAndStillNotifies) {
   const Image cvar = MakeImage();
   HBITMAP bitmap = nullptr;
