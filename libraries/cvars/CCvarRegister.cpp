@@ -210,7 +210,7 @@ HRESULT CCvarRegister::OnCvarNotify(IVorCvar* source, NOTIFYTYPE what) {
   const CVARREPLICATIONFLAGS copies = ReplicationFlags();
   const bool takesDefault = (copies & REPLICATE_DEFAULT) != 0 && (what & NOTIFY_ATTRIBUTES) != 0;
   const bool takesDescription = (copies & REPLICATE_DESCRIPTION) != 0 && what == kEverything;
-  if (takesDefault || takesDescription) {
+  if (source != nullptr && (takesDefault || takesDescription)) {
     CComPtr<IVorCvarRegister> other;
     (void)source->QueryInterface(IID_IVorCvarRegister, reinterpret_cast<void**>(&other));
     if (other != nullptr && takesDefault) {

@@ -12,6 +12,7 @@ namespace cvars {
 // that its replication flags name. A failed read of flags or attributes is reported and ends it;
 // the code of the last value copy goes back to the source when it is a failure.
 HRESULT CvarCore::CoreReactToSource(IVorCvar* source, NOTIFYTYPE what) {
+  if (source == nullptr) return E_POINTER;
   const CVARREPLICATIONFLAGS copies = ReplicationFlags();
   IVorCvar* const self = GetIVorCvar();
 

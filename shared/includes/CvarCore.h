@@ -269,6 +269,7 @@ class CVARS_API CvarCore : public CvarBaseCpp {
                            NOTIFYTYPE what);
 
   /// The replica's reaction to a change of its source: copies what the replication flags ask for.
+  /// @retval E_POINTER  source is null; nothing is copied
   HRESULT CoreReactToSource(IVorCvar* source, NOTIFYTYPE what);
   /// Fits the request to the range again and sends what is pending.
   virtual HRESULT UpdateAdaptedValueAndNotify() = 0;

@@ -3,7 +3,7 @@
 #include <vector>
 
 #include "BareCvar.h"
-#include "CCvarString.h"
+#include "Cvars.h"
 #include "DeveloperEvents.h"
 #include "RecordingListener.h"
 #include "ReplicationFixture.h"
@@ -73,6 +73,26 @@ TEST_F(ReplicaReactionTest, CopyingNothingCopiesNothing) {
   EXPECT_EQ(m_source->ForceNotification(kEverything), S_OK);
   EXPECT_EQ(Requested(replica), 0);
   EXPECT_EQ(NameOf(replica), L"Replica");
+}
+
+constexpr CVARREPLICATIONFLAGS kAll = CVARREPLICATIONFLAGS(0xFFFFFFFF);
+
+template <class T>
+class SourcelessReactionTest : public test::ReplicationFixture {};
+using EveryKindOfClass =
+    ::testing::Types<CCvarDouble, CCvarInt, CCvarLongInt, CCvarDoubleLockstep, CCvarDoubleSet,
+                     CCvarDoubleIndirect, CCvarEnum, CCvarBool, CCvarColor, CCvarString,
+                     CCvarObjectName, CCvarFileName, CCvarBitPattern, CCvarRegister, CCvarSafeArray,
+                     CCvarImage, CCvarAction>;
+TYPED_TEST_SUITE(SourcelessReactionTest, EveryKindOfClass);
+
+TYPED_TEST(SourcelessReactionTest, ANotificationWithoutSourceIsRefused) {
+  const auto cvar = CvarObject<TypeParam>::Create();
+  cvar->SetReplicationFlags(kAll);
+  const auto listener = RecordingListener::Create();
+  ASSERT_EQ(S_OK, cvar->AttachCvarEventSink(listener));
+  EXPECT_EQ(E_POINTER, cvar->OnCvarNotify(nullptr, kEverything));
+  EXPECT_EQ(std::vector<NOTIFYTYPE>{}, listener->masks);
 }
 
 // Read-only replicas
