@@ -84,7 +84,9 @@ HRESULT AdaptToColumn(const VARIANT& value, const SColRangeDesc& range, VARIANT*
   if (FAILED(adapted)) return adapted;
 
   if (IsFloatingPointType(range.elementType)) {
-    const double clamped = ClampToRange(number.dblVal, range.minimum, range.maximum);
+    const double clamped = std::isnan(number.dblVal)
+                               ? number.dblVal  // neither below the minimum nor above the maximum
+                               : ClampToRange(number.dblVal, range.minimum, range.maximum);
     const double rounded = RoundToStep(clamped, EffectiveStep(clamped, range.grain));
     const CComVariant wide(rounded);
     return AdaptToType(wide, range.elementType, result);

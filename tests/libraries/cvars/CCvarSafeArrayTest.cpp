@@ -62,6 +62,12 @@ constexpr AdaptCase kAdaptCases[] = {
     {"ColumnsBeyondTheRangesStay", L"3,0,10,1", L"99,99", L"10,99"},
     {"TextThatIsNoNumberStays", L"3,0,10,1", L"abc", L"abc"},
     {"NoRanges", L"", L"1.5,abc", L"1.5,abc"},
+    {"NotANumberStays", L"5,0,10,1;5,0,10,0;5,0,10,-3;4,0,10,1", L"nan,nan,nan,nan",
+     L"UNDEF,UNDEF,UNDEF,UNDEF"},
+    {"InfinitiesAreClamped", L"5,-2,3,1;5,-2,3,1", L"-inf,inf", L"-2,3"},
+    {"NotANumberIsNoInteger", L"3,0,10,1", L"nan", L"UNDEF"},
+    {"DigitsFollowTheGrainOfTheColumn", L"5,0,10000,0.5", L"1234.25,1234567",
+     L"1.2345E+3,1.23457e+06"},
     {"TextColumn", L"8,0,0,0", L"5", L"5"},
 };
 
