@@ -7,17 +7,24 @@
 #include <cstdlib>
 #include <fstream>
 
+#include "CCvarBag.h"
 #include "CvarObject.h"
 #include "ReadProperties.h"
 #include "RecordingListener.h"
 #include "SafeArray.h"
 #include "platform/Bitmap.h"
+#include "platform/Modules.h"
 
 namespace {
 
 using cvars::test::RecordingListener;
 using Image = CComPtr<CvarObject<CCvarImage>>;
 using Masks = std::vector<NOTIFYTYPE>;
+
+HINSTANCE ThisModule() {
+  static const int s_here = 0;
+  return cvars::platform::ModuleOf(&s_here);
+}
 
 Image MakeImage() {
   Image cvar = CvarObject<CCvarImage>::Create();
@@ -142,6 +149,46 @@ TEST(ImageLoad, WithoutAParentThereIsNoResource) {
   ASSERT_EQ(cvar->AttachCvarEventSink(listener), S_OK);
   EXPECT_EQ(cvar->LoadFromBitmapResource(1), S_OK);
   EXPECT_EQ(HandleOf(cvar), nullptr);
+  EXPECT_EQ(listener->masks, Masks{NOTIFY_VALUE});
+}
+
+void ExpectKnob(HBITMAP bitmap) {
+  BITMAP description = {};
+  ASSERT_NE(GetObject(bitmap, sizeof(description), &description), 0);
+  EXPECT_EQ(description.bmWidth, 2);
+  EXPECT_EQ(description.bmHeight, 2);
+}
+
+TEST(ImageLoad, ResourceIsThatOfTheParentsModuleByTheLow16BitsOfItsNumber) {
+  const Image cvar = MakeImage();
+  const auto bag = CCvarBag::Create(L"Panel", ThisModule());
+  ASSERT_EQ(bag->Add(cvar), S_OK);
+  const auto listener = RecordingListener::Create();
+  ASSERT_EQ(cvar->AttachCvarEventSink(listener), S_OK);
+  for (const unsigned int id : {7u, 0x10007u}) {
+    EXPECT_EQ(cvar->LoadFromBitmapResource(id), S_OK);
+    ExpectKnob(HandleOf(cvar));
+  }
+  const HBITMAP knob = HandleOf(cvar);
+  EXPECT_EQ(cvar->LoadFromBitmapResource(8), S_OK);
+  EXPECT_EQ(HandleOf(cvar), nullptr);
+  EXPECT_FALSE(IsBitmap(knob));
+  EXPECT_EQ(listener->masks, (Masks{NOTIFY_VALUE, NOTIFY_VALUE, NOTIFY_VALUE}));
+
+  cvar->Initialize(L"Knob", 7, CVARFLAGS(0), nullptr, 0, CVARREPLICATIONFLAGS(0));
+  ExpectKnob(HandleOf(cvar));
+  EXPECT_EQ(SignatureOf(cvar), L"Type,Image,Adapt,<IMAGE>,Flags,-,Width,0,Height,0,Bits,0");
+  EXPECT_EQ(listener->masks.size(), 3u);
+  EXPECT_EQ(bag->Remove(cvar), S_OK);
+}
+
+TEST(ImageLoad, FileIsReadAndTheSizeStays) {
+  const Image cvar = MakeImage();
+  const auto listener = RecordingListener::Create();
+  ASSERT_EQ(cvar->AttachCvarEventSink(listener), S_OK);
+  EXPECT_EQ(cvar->LoadFromFile(L"" CVARS_SOURCE_DIR "/tests/platform/modules/knob.bmp"), S_OK);
+  ExpectKnob(HandleOf(cvar));
+  EXPECT_EQ(SignatureOf(cvar), L"Type,Image,Adapt,<IMAGE>,Flags,-,Width,0,Height,0,Bits,0");
   EXPECT_EQ(listener->masks, Masks{NOTIFY_VALUE});
 }
 
