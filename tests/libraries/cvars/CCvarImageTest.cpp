@@ -262,4 +262,40 @@ TEST(ImageReplica, TakesACopySendsNothingAndATwoWayPairEnds) {
   EXPECT_EQ(replica->StopAllCvarReplication(), S_OK);
 }
 
+struct CopyCase {
+  CVARREPLICATIONFLAGS flags;
+  NOTIFYTYPE what;
+  bool copies;
+};
+constexpr CopyCase kCopyCases[] = {
+    {REPLICATE_VALUE, NOTIFY_VALUE, true},
+    {REPLICATE_VALUE, NOTIFY_REQUESTED, true},
+    {REPLICATE_REQUESTED, NOTIFY_VALUE, true},
+    {REPLICATE_REQUESTED, NOTIFY_REQUESTED, true},
+    {REPLICATE_VALUE, NOTIFY_RANGE, false},
+    {CVARREPLICATIONFLAGS(REPLICATE_FLAGS | REPLICATE_NAME), NOTIFY_VALUE, false},
+    {CVARREPLICATIONFLAGS(0), NOTIFYTYPE(0xFFFFFFFF), false},
+};
+
+TEST(ImageReplica, EitherValueBitCopiesOnEitherKindOfChange) {
+  for (const CopyCase& row : kCopyCases) {
+    SCOPED_TRACE(testing::Message() << row.flags << ' ' << row.what);
+    const Image source = MakeImage();
+    EXPECT_EQ(source->LoadFromHandle(MakeBitmap(5)), S_OK);
+    const Image replica = MakeImage();
+    replica->SetReplicationFlags(row.flags);
+    const HBITMAP old = MakeBitmap(6);
+    EXPECT_EQ(replica->LoadFromHandle(old), S_OK);
+    const auto listener = RecordingListener::Create();
+    ASSERT_EQ(replica->AttachCvarEventSink(listener), S_OK);
+    EXPECT_EQ(replica->OnCvarNotify(source, row.what), S_OK);
+    BITMAP description = {};
+    ASSERT_NE(GetObject(HandleOf(replica), sizeof(description), &description), 0);
+    EXPECT_EQ(*static_cast<const WORD*>(description.bmBits), row.copies ? 5 : 6);
+    EXPECT_EQ(HandleOf(replica) == old, !row.copies);
+    EXPECT_EQ(IsBitmap(old), !row.copies);
+    EXPECT_TRUE(listener->masks.empty());
+  }
+}
+
 }  // namespace
