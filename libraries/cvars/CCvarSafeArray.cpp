@@ -120,6 +120,7 @@ void CCvarSafeArray::Initialize(const wchar_t* name, const wchar_t* defaultValue
 HRESULT CCvarSafeArray::SetRange(const std::vector<SColRangeDesc>& ranges) {
   {
     const ScopedLock guard(m_lock);
+    if (ranges == m_ranges) return S_FALSE;
     m_ranges = ranges;
   }
   AddPending(NOTIFY_RANGE);

@@ -58,6 +58,7 @@ class CVARS_API CCvarSafeArray
                   CVARFLAGS flags);
 
   /// Replaces the ranges. Sets NOTIFY_RANGE, and NOTIFY_VALUE when an adapted element changes.
+  /// @retval S_FALSE  no change
   HRESULT SetRange(const std::vector<SColRangeDesc>& ranges);
   HRESULT SetRange(const wchar_t* ranges);
   /// Sets NOTIFY_ATTRIBUTES. @param value  copied; null is an empty array.  @retval S_FALSE no

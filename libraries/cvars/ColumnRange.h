@@ -12,6 +12,8 @@ struct SColRangeDesc {
   double minimum = -1e38;
   double maximum = 1e38;
   double grain = 1e-38;  ///< As of a double cvar: a step, 0 relative, -n significant digits.
+
+  friend bool operator==(const SColRangeDesc&, const SColRangeDesc&) = default;
 };
 
 namespace cvars {

@@ -377,6 +377,21 @@ TEST(ArrayRange, SetRangeAdaptsAgainAndNotifies) {
   EXPECT_EQ(Adapted(cvar), L"20");
 }
 
+TEST(ArrayRange, TheSameRangesAreNoChange) {
+  const Array cvar = MakeArray(L"50", L"3,0,10,1;5,0,1,0.5");
+  const auto listener = RecordingListener::Create();
+  ASSERT_EQ(cvar->AttachCvarEventSink(listener), S_OK);
+  EXPECT_EQ(cvar->SetRange(L"3,0,10,1;5,0,1,0.5"), S_FALSE);
+  EXPECT_EQ(cvar->SetRange(std::vector<SColRangeDesc>{{VT_I4, 0, 10, 1}, {VT_R8, 0, 1, 0.5}}),
+            S_FALSE);
+  EXPECT_TRUE(listener->masks.empty());
+  EXPECT_EQ(cvar->SetRange(L"3,0,10,1"), S_OK);
+  EXPECT_EQ(cvar->SetRange(L"3,0,10,2"), S_OK);
+  EXPECT_EQ(cvar->SetRange(L""), S_OK);
+  EXPECT_EQ(cvar->SetRange(L""), S_FALSE);
+  EXPECT_EQ(listener->masks, (Masks{NOTIFY_RANGE, NOTIFY_RANGE, NOTIFY_RANGE | NOTIFY_VALUE}));
+}
+
 TEST(ArrayDefault, IsCopiedAskedForAndRequested) {
   const Array cvar = MakeArray(L"1,2", L"");
   const auto listener = RecordingListener::Create();
