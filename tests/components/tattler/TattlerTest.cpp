@@ -11,6 +11,7 @@
 #include "CComBSTR.h"
 #include "CDLLVersions.h"
 #include "IsolatedHome.h"
+#include "PlainLocale.h"
 #include "TattlerClient.h"
 #include "components/tattler/Trace.h"
 #include "platform/Components.h"
@@ -106,6 +107,7 @@ TEST_F(TattlerMonitor, StartedBeforeShowsEntriesExitsValuesAndDurations) {
   EXPECT_FALSE(entry->contains("duration_us"));
   EXPECT_EQ(exit->at("kind"), "exit");
   EXPECT_EQ(exit->at("probe"), entry->at("probe"));
+  const cvars::test::PlainLocale plain;
   EXPECT_GT(std::stod(exit->at("duration_us")), 0.0);
 }
 

@@ -5,6 +5,7 @@
 
 #include "CComSafeArray.h"
 #include "CComVariant.h"
+#include "PlainLocale.h"
 #include "ValueTable.h"
 
 namespace cvars::test {
@@ -271,9 +272,11 @@ void IndirectValue(const json& row) {
     case VT_I4:
       EXPECT_EQ(copy.lVal, std::stoi(value));
       break;
-    case VT_R8:
+    case VT_R8: {
+      const PlainLocale plain;
       EXPECT_EQ(copy.dblVal, std::stod(value.substr(value.find(':') + 1)));
       break;
+    }
     case VT_BSTR:
       EXPECT_EQ(std::wstring(copy.bstrVal), std::wstring(value.begin(), value.end()));
       EXPECT_EQ(copy.bstrVal != text.m_str, row.at("new_string") == "yes");
