@@ -433,4 +433,63 @@ TEST(ArrayNorm, IsNotImplemented) {
   EXPECT_EQ(cvar->Increment(1), E_NOTIMPL);
 }
 
+TEST(ArrayRequest, AReferenceToAVariantIsFollowedOnce) {
+  const Array cvar = MakeArray(L"1", L"");
+  CComVariant text(L"4,5");
+  VARIANT reference{};
+  reference.vt = VT_BYREF | VT_VARIANT;
+  reference.pvarVal = &text;
+  EXPECT_EQ(cvar->put_Value(reference), S_OK);
+  EXPECT_EQ(Adapted(cvar), L"4,5");
+  CComVariant table(VT_EMPTY);
+  EXPECT_EQ(MakeArray(L"6;7", L"")->get_Value(&table), S_OK);
+  reference.pvarVal = &table;
+  EXPECT_EQ(cvar->put_Value(reference), S_OK);
+  EXPECT_EQ(Adapted(cvar), L"6;7");
+
+  VARIANT twice{};
+  twice.vt = VT_BYREF | VT_VARIANT;
+  twice.pvarVal = &reference;
+  EXPECT_EQ(cvar->put_Value(twice), E_INVALIDARG);
+  CComVariant number(8);
+  reference.pvarVal = &number;
+  EXPECT_EQ(cvar->put_Value(reference), E_INVALIDARG);
+  EXPECT_EQ(Adapted(cvar), L"6;7");
+}
+
+TEST(ArrayConversion, TextsBecomeTablesAndBack) {
+  VariantTable table;
+  EXPECT_EQ(CCvarSafeArray::ConvertStrToSafeArray(L"1.5,abc", &table), S_OK);
+  EXPECT_EQ(SafeArrayGetDim(table), 1u);
+  EXPECT_EQ(table.GetAt(0).vt, VT_R8);
+  EXPECT_EQ(table.GetAt(1).vt, VT_BSTR);
+  CComBSTR text;
+  EXPECT_EQ(CCvarSafeArray::ConvertSafeArrayToStr(table, {}, &text), S_OK);
+  EXPECT_STREQ(text, L"1.5,abc");
+  EXPECT_EQ(CCvarSafeArray::ConvertStrToSafeArray(nullptr, &table), S_OK);
+  EXPECT_EQ(SafeArrayGetDim(table), 1u);
+  EXPECT_EQ(table.GetCount(), 0u);
+  EXPECT_EQ(CCvarSafeArray::ConvertStrToSafeArray(L"1", nullptr), E_POINTER);
+  EXPECT_EQ(CCvarSafeArray::ConvertSafeArrayToStr(table, {}, nullptr), E_POINTER);
+}
+
+TEST(ArrayConversion, TextsBecomeRangesAndBack) {
+  std::vector<SColRangeDesc> ranges;
+  EXPECT_EQ(CCvarSafeArray::ConvertRangeStrToRangeDescVector(L"3,0,10,1;5,1,2", &ranges), S_OK);
+  ASSERT_EQ(ranges.size(), 2u);
+  EXPECT_EQ(ranges[0].elementType, ULONG{VT_I4});
+  EXPECT_EQ(ranges[0].maximum, 10);
+  EXPECT_EQ(ranges[1].elementType, ULONG{VT_R8});  // three fields: the column keeps its defaults
+  EXPECT_EQ(ranges[1].minimum, -1e38);
+  EXPECT_EQ(ranges[1].maximum, 1e38);
+  EXPECT_EQ(ranges[1].grain, 1e-38);
+  CComBSTR text;
+  EXPECT_EQ(CCvarSafeArray::ConvertRangeDescVectorToRangeStr(ranges, &text), S_OK);
+  EXPECT_STREQ(text, L"3,0,10,1;5,-1e+38,1e+38,1e-38");
+  EXPECT_EQ(CCvarSafeArray::ConvertRangeStrToRangeDescVector(nullptr, &ranges), S_OK);
+  EXPECT_TRUE(ranges.empty());
+  EXPECT_EQ(CCvarSafeArray::ConvertRangeStrToRangeDescVector(L"", nullptr), E_POINTER);
+  EXPECT_EQ(CCvarSafeArray::ConvertRangeDescVectorToRangeStr(ranges, nullptr), E_POINTER);
+}
+
 }  // namespace
