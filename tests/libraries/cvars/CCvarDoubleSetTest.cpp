@@ -150,6 +150,38 @@ TYPED_TEST(ValueSetCvarTest, AnotherSetIsToldButDoesNotAdaptAgain) {
   EXPECT_EQ(listener->TakeMasks(), (Masks{NOTIFY_RANGE, NOTIFY_VALUE}));
 }
 
+TYPED_TEST(ValueSetCvarTest, TheLongFormOfARangeTakesTheAttributesToo) {
+  using Member = typename TestFixture::Number;
+  const auto cvar = this->Make({1, 2, 5}, ADAPT_CLOSEST_DOWN, 2);
+  const auto listener = RecordingListener::Create();
+  ASSERT_EQ(cvar->AttachCvarEventSink(listener), S_OK);
+  const auto set = [&cvar](Member defaultValue, const std::set<Member>& members, bool setDefault) {
+    if constexpr (TestFixture::kIsDouble) {
+      return cvar->SetRange(defaultValue, members, ADAPT_UP, 0.0, false, Member{1}, nullptr,
+                            L"Knob", 9, setDefault);
+    } else {
+      return cvar->SetRange(defaultValue, members, ADAPT_UP, false, Member{1}, nullptr, L"Knob", 9,
+                            setDefault);
+    }
+  };
+  EXPECT_EQ(set(7, {10, 20}, true), S_OK);
+  Member defaultValue = 0;
+  EXPECT_EQ(cvar->GetDefaultValue(&defaultValue), S_OK);
+  EXPECT_EQ(defaultValue, 7);
+  EXPECT_EQ(TextOf(*cvar, &IVorCvar::get_Range), L"10,20");
+  EXPECT_EQ(TextOf(*cvar, &IVorCvar::GetGuiHints), L"Knob");
+  unsigned int help = 0;
+  EXPECT_EQ(cvar->get_HelpStringID(&help), S_OK);
+  EXPECT_EQ(help, 9u);
+  EXPECT_EQ(cvar->GetAdaptedValue(), 2);
+  // The hints are told by themselves, as their setter does.
+  EXPECT_EQ(listener->TakeMasks(), (Masks{NOTIFY_GUIHINTS, NOTIFY_ATTRIBUTES | NOTIFY_RANGE}));
+  EXPECT_EQ(set(8, {10, 20}, false), S_OK);
+  EXPECT_EQ(cvar->GetDefaultValue(&defaultValue), S_OK);
+  EXPECT_EQ(defaultValue, 7);
+  EXPECT_TRUE(listener->masks.empty());
+}
+
 TYPED_TEST(ValueSetCvarTest, TheSignatureShowsPolicyAndMembers) {
   constexpr const wchar_t* kNames[] = {L"ClosestDown", L"ClosestUp", L"Down", L"Up"};
   const std::wstring type = TextOf(*this->Make({}, ADAPT_UP, 0), &IVorCvar::get_Type);
