@@ -73,6 +73,25 @@ TEST(VariantEqualityArrayTest, ArraysAreComparedByTheirElements) {
       SameVariant(VectorOf(VT_VARIANT, 0, {L"a", 1}), VectorOf(VT_VARIANT, 0, {L"a", 1.0})));
 }
 
+TEST(VariantEqualityTest, EveryFieldOfADecimalCounts) {
+  VARIANT value{};
+  value.decVal = {0, 2, 0x80, 1, 12345};
+  value.vt = VT_DECIMAL;
+  EXPECT_TRUE(SameVariant(value, value));
+  const auto differs = [&value](auto DECIMAL::*field) {
+    DECIMAL other = value.decVal;
+    ++(other.*field);
+    VARIANT variant{};
+    variant.decVal = other;
+    variant.vt = VT_DECIMAL;
+    return !SameVariant(value, variant);
+  };
+  EXPECT_TRUE(differs(&DECIMAL::scale));
+  EXPECT_TRUE(differs(&DECIMAL::sign));
+  EXPECT_TRUE(differs(&DECIMAL::Hi32));
+  EXPECT_TRUE(differs(&DECIMAL::Lo64));
+}
+
 TEST(VariantEqualityArrayTest, ANullArrayIsTheSameAsNullOnly) {
   CComVariant null = VectorOf(VT_I4, 0, {});
   (void)SafeArrayDestroy(null.parray);

@@ -48,4 +48,26 @@ TEST(Bstr, CatJoinsAndKeepsZeros) {
   EXPECT_TRUE(joined.View() == std::wstring_view(L"a\0bc", 4));
 }
 
+TEST(Bstr, IsReplacedByACopy) {
+  BSTR text = SysAllocString(L"old");
+  EXPECT_EQ(SysReAllocString(&text, L"new text"), 1);
+  EXPECT_STREQ(text, L"new text");
+  EXPECT_EQ(SysReAllocStringLen(&text, L"cut here", 3), 1);
+  EXPECT_STREQ(text, L"cut");
+  EXPECT_EQ(SysStringLen(text), 3u);
+  EXPECT_EQ(SysReAllocStringLen(&text, nullptr, 2), 1);  // room without content
+  EXPECT_EQ(SysStringLen(text), 2u);
+  EXPECT_EQ(SysReAllocString(&text, nullptr), 1);
+  EXPECT_EQ(text, nullptr);
+  EXPECT_EQ(SysReAllocString(nullptr, L"x"), 0);
+  EXPECT_EQ(SysReAllocStringLen(nullptr, L"x", 1), 0);
+}
+
+TEST(Bstr, ATextThatCannotBeAllocatedKeepsTheOldOne) {
+  BSTR text = SysAllocString(L"kept");
+  EXPECT_EQ(SysReAllocStringLen(&text, nullptr, 1u << 30), 0);
+  EXPECT_STREQ(text, L"kept");
+  SysFreeString(text);
+}
+
 }  // namespace

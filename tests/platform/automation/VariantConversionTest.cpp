@@ -2,14 +2,17 @@
 
 #include <bit>
 #include <cstring>
+#include <limits>
 #include <map>
 #include <string>
+#include <vector>
 
 #include "CComBSTR.h"
 #include "CComSafeArray.h"
 #include "CComVariant.h"
 #include "GoldenTable.h"
 #include "PlainLocale.h"
+#include "ValueTable.h"
 
 namespace {
 
@@ -289,6 +292,116 @@ TEST(VariantConversions, ReferencesAreFollowedThroughOneVariant) {
   twice.pvarVal = &outer;
   EXPECT_EQ(VariantCopyInd(&copy, &twice), E_INVALIDARG);
   EXPECT_EQ(copy.lVal, 77);
+}
+
+struct ExactCase {
+  const char* name;
+  CComVariant from;
+  VARTYPE to;
+  const wchar_t* text;
+};
+
+TEST(VariantConversions, NumbersBecomeCurrenciesDecimalsAndDates) {
+  const ExactCase kExactCases[] = {
+      {"IntegerToCurrency", CComVariant(-5), VT_CY, L"-5"},
+      {"IntegerToDecimal", CComVariant(-5), VT_DECIMAL, L"-5"},
+      {"LargeIntegerToDecimal", CComVariant(9'000'000'000'000'000'001LL), VT_DECIMAL,
+       L"9000000000000000001"},
+      {"RealToCurrencyKeepsFourDecimals", CComVariant(1.23456), VT_CY, L"1.2346"},
+      {"RealToDecimal", CComVariant(-0.125), VT_DECIMAL, L"-0.125"},
+  };
+  for (const ExactCase& row : kExactCases) {
+    SCOPED_TRACE(row.name);
+    CComVariant exact;
+    ASSERT_EQ(exact.ChangeType(row.to, &row.from), S_OK);
+    EXPECT_EQ(exact.vt, row.to);
+    ASSERT_EQ(exact.ChangeType(VT_BSTR), S_OK);
+    EXPECT_STREQ(exact.bstrVal, row.text);
+  }
+  CComVariant date;
+  const CComVariant day(2);
+  ASSERT_EQ(date.ChangeType(VT_DATE, &day), S_OK);
+  EXPECT_EQ(date.date, 2.0);
+  const CComVariant noon(2.5);
+  ASSERT_EQ(date.ChangeType(VT_DATE, &noon), S_OK);
+  EXPECT_EQ(date.date, 2.5);
+}
+
+TEST(VariantConversions, WhatACurrencyOrDateCannotHoldOverflows) {
+  CComVariant kept(7);
+  const CComVariant infinite(std::numeric_limits<double>::infinity());
+  const CComVariant large(1e300);
+  const CComVariant amount(922'337'203'685'478LL);  // 2^63 is 922337203685477.5808 x 10000
+  EXPECT_EQ(kept.ChangeType(VT_CY, &infinite), DISP_E_OVERFLOW);
+  EXPECT_EQ(kept.ChangeType(VT_DECIMAL, &infinite), DISP_E_OVERFLOW);
+  EXPECT_EQ(kept.ChangeType(VT_CY, &large), DISP_E_OVERFLOW);
+  EXPECT_EQ(kept.ChangeType(VT_DECIMAL, &large), DISP_E_OVERFLOW);
+  EXPECT_EQ(kept.ChangeType(VT_DATE, &large), DISP_E_OVERFLOW);
+  EXPECT_EQ(kept.ChangeType(VT_CY, &amount), DISP_E_OVERFLOW);
+  EXPECT_EQ(kept.lVal, 7);
+}
+
+TEST(Variants, ReferencesToEveryTypeAreFollowed) {
+  cvars::test::ValueObject object(true);
+  BSTR const text = SysAllocString(L"text");
+  std::vector<VARIANT> held;
+  const auto add = [&held](VARTYPE type, auto VARIANT::*member, auto value) {
+    VARIANT variant{};
+    variant.vt = type;
+    variant.*member = value;
+    held.push_back(variant);
+  };
+  add(VT_I1, &VARIANT::cVal, static_cast<char>(-3));
+  add(VT_UI1, &VARIANT::bVal, BYTE{3});
+  add(VT_I2, &VARIANT::iVal, SHORT{-300});
+  add(VT_UI2, &VARIANT::uiVal, USHORT{300});
+  add(VT_BOOL, &VARIANT::boolVal, VARIANT_TRUE);
+  add(VT_I4, &VARIANT::lVal, LONG{-70000});
+  add(VT_UI4, &VARIANT::ulVal, ULONG{70000});
+  add(VT_INT, &VARIANT::intVal, -70000);
+  add(VT_UINT, &VARIANT::uintVal, 70000u);
+  add(VT_ERROR, &VARIANT::scode, E_FAIL);
+  add(VT_R4, &VARIANT::fltVal, 0.5f);
+  add(VT_R8, &VARIANT::dblVal, 0.25);
+  add(VT_DATE, &VARIANT::date, 2.5);
+  add(VT_I8, &VARIANT::llVal, LONGLONG{-5'000'000'000});
+  add(VT_UI8, &VARIANT::ullVal, ULONGLONG{5'000'000'000});
+  add(VT_CY, &VARIANT::cyVal, CY{15000});
+  add(VT_BSTR, &VARIANT::bstrVal, text);
+  add(VT_UNKNOWN, &VARIANT::punkVal, static_cast<IUnknown*>(&object));
+  add(VT_DISPATCH, &VARIANT::pdispVal, static_cast<IDispatch*>(&object));
+  VARIANT decimal{};
+  decimal.decVal = {0, 2, 0x80, 0, 12345};
+  decimal.vt = VT_DECIMAL;
+  held.push_back(decimal);
+  for (VARIANT& value : held) {
+    SCOPED_TRACE(value.vt);
+    VARIANT reference{};
+    reference.vt = static_cast<VARTYPE>(value.vt | VT_BYREF);
+    // A decimal lies over the tag; all other values start behind it.
+    reference.byref = value.vt == VT_DECIMAL ? static_cast<void*>(&value.decVal)
+                                             : static_cast<void*>(&value.llVal);
+    CComVariant copy;
+    EXPECT_EQ(VariantCopyInd(&copy, &reference), S_OK);
+    ASSERT_EQ(copy.vt, value.vt);
+    if (value.vt == VT_BSTR) {
+      EXPECT_STREQ(copy.bstrVal, L"text");
+    } else if (value.vt == VT_DECIMAL) {
+      EXPECT_EQ(std::memcmp(&copy.decVal, &value.decVal, sizeof(DECIMAL)), 0);
+    } else {
+      EXPECT_EQ(copy.llVal, value.llVal);
+    }
+  }
+  EXPECT_EQ(object.references, 1u);
+  SysFreeString(text);
+}
+
+TEST(Variants, AReferenceToNothingIsRefused) {
+  CComVariant kept(7);
+  VARIANT reference{};
+  reference.vt = VT_BYREF | VT_VECTOR;
+  EXPECT_EQ(VariantCopyInd(&kept, &reference), DISP_E_BADVARTYPE);
+  EXPECT_EQ(kept.lVal, 7);
 }
 
 TEST(Variants, UnknownTagIsRefusedAndKept) {
