@@ -177,4 +177,16 @@ TEST_F(Bag, OffersItsInterfacesOnly) {
   EXPECT_EQ(other, nullptr);
 }
 
+TEST_F(Bag, HasNoTypeLibrary) {
+  UINT count = 5;
+  EXPECT_EQ(bag->GetTypeInfoCount(&count), S_OK);
+  EXPECT_EQ(count, 0u);
+  EXPECT_EQ(bag->GetTypeInfoCount(nullptr), E_POINTER);
+  int untouched = 0;
+  auto* info = reinterpret_cast<ITypeInfo*>(&untouched);
+  EXPECT_EQ(bag->GetTypeInfo(0, 0, &info), E_NOTIMPL);
+  EXPECT_EQ(info, nullptr);
+  EXPECT_EQ(bag->GetTypeInfo(0, 0, nullptr), E_POINTER);
+}
+
 }  // namespace

@@ -4,6 +4,7 @@
 
 #include "CCvarBag.h"
 #include "CvarObject.h"
+#include "IVorCvarFileName.h"
 #include "ReadProperties.h"
 #include "RecordingListener.h"
 #include "platform/MessageBoxPresenter.h"
@@ -155,6 +156,20 @@ TEST(ObjectNameDefault, IsKeptJoined) {
   EXPECT_EQ(cvar->SetDefaultValue(L"Other"), S_OK);
   EXPECT_EQ(cvar->SetToDefault(), S_OK);
   EXPECT_EQ(Adapted(cvar), L"Other|Other|OTHER");
+}
+
+TEST(ObjectNameInterfaces, AreThoseOfATextToo) {
+  const Name cvar = MakeName(L"Math 1");
+  CComPtr<IVorCvarString> text;
+  ASSERT_EQ(cvar->QueryInterface(IID_IVorCvarString, reinterpret_cast<void**>(&text)), S_OK);
+  CComBSTR value;
+  EXPECT_EQ(text->GetAdaptedValue(&value), S_OK);
+  EXPECT_STREQ(value, L"Math 1|Math1|MATH1");
+  CComPtr<IVorCvarObjectName> names;
+  EXPECT_EQ(cvar->QueryInterface(IID_IVorCvarObjectName, reinterpret_cast<void**>(&names)), S_OK);
+  CComPtr<IUnknown> other;
+  EXPECT_EQ(cvar->QueryInterface(IID_IVorCvarFileName, reinterpret_cast<void**>(&other)),
+            E_NOINTERFACE);
 }
 
 TEST(ObjectNameProperties, AddTheJoinedNamesAndTheScreenName) {
