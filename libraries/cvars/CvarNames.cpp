@@ -96,13 +96,6 @@ std::wstring CvarNames::Name() const {
   return name;
 }
 
-std::wstring CvarNames::RemoteName() const {
-  if (m_block == nullptr) return {};
-  std::wstring name(m_block->RemoteLength(), L'\0');
-  m_block->CopyRemoteName(name.data());
-  return name;
-}
-
 HRESULT CvarNames::CopyName(BSTR* name) const {
   *name = SysAllocStringLen(nullptr, m_block == nullptr ? 0 : m_block->nameLength);
   if (*name == nullptr) return E_OUTOFMEMORY;

@@ -26,7 +26,6 @@ class CVARS_API CvarNames {
 
   bool Empty() const noexcept;
   std::wstring Name() const;
-  std::wstring RemoteName() const;
   /// @param name  caller frees. @retval E_OUTOFMEMORY
   HRESULT CopyName(BSTR* name) const;
   HRESULT CopyRemoteName(BSTR* name) const;
