@@ -35,7 +35,9 @@ void CvarListeners::Block::Append(IVorCvarEventSink* sink, IUnknown* identity) n
   Sinks()[index] = sink;
   Identities()[index] = identity;
   Tags()[index] = TagOf(identity);
-  count.store(index + 1, std::memory_order_seq_cst);
+  // Whoever reads the new count finds the listener. One that reads the old one took its snapshot
+  // before the listener was attached.
+  count.store(index + 1, std::memory_order_release);
 }
 
 // From the end: what was attached last is detached first as a rule.
