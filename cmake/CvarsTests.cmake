@@ -17,6 +17,17 @@ function(cvars_add_test name)
   endif()
   target_compile_definitions(${name} PRIVATE
     CVARS_SOURCE_DIR="${PROJECT_SOURCE_DIR}" CVARS_BINARY_DIR="${CMAKE_BINARY_DIR}")
+  if(CVARS_PRECOMPILE_TEST_HEADERS)
+    # Quicker from scratch, but a change of one header compiles every test again. The first test
+    # precompiles for all of them.
+    get_property(first GLOBAL PROPERTY cvars_first_test)
+    if(first)
+      target_precompile_headers(${name} REUSE_FROM ${first})
+    else()
+      target_precompile_headers(${name} PRIVATE <gtest/gtest.h> <CvarObject.h>)
+      set_property(GLOBAL PROPERTY cvars_first_test ${name})
+    endif()
+  endif()
   set(properties TIMEOUT 300)
   if(ARG_LABELS)
     list(APPEND properties LABELS "${ARG_LABELS}")
