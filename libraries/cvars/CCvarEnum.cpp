@@ -271,7 +271,7 @@ bool CCvarEnum::IsValidIndex(int index) {
 int CCvarEnum::GetIndexOfStringValue(const wchar_t* text) {
   const std::wstring_view wanted = TextOrEmpty(text);
   int index;
-  if (m_table.TryFind(wanted, index)) return index;
+  if (TryFind(wanted, index)) return index;
   const ScopedLock guard(m_lock);
   return m_table.Find(wanted);
 }

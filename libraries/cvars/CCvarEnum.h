@@ -242,6 +242,11 @@ class CVARS_API CCvarEnum : public IVorCvarImpl<CCvarEnum, IVorCvarEnum, int> {
   HRESULT CopySpelling(int index, Spelling spelling, BSTR* text);
   HRESULT CopyAdaptedSpelling(Spelling spelling, BSTR* text);
   HRESULT CopyRange(Spelling spelling, BSTR* text);
+  /// Looks a text up without the lock, which the table allows for this alone.
+  /// @return whether the index could be told
+  bool TryFind(std::wstring_view text, int& index) const CVARS_NO_THREAD_SAFETY_ANALYSIS {
+    return m_table.TryFind(text, index);
+  }
   std::wstring JoinedOf(int index) const;
   template <class Exchange>
   HRESULT ChangeEntry(int index, Exchange exchange);

@@ -223,8 +223,11 @@ class WatchedCvar : public SampleCvar {
  public:
   HRESULT get_HelpString(BSTR* text) override {
     std::thread([this] {
-      lockWasFree = m_lock.try_lock();
-      if (lockWasFree) m_lock.unlock();
+      lockWasFree = false;
+      if (m_lock.try_lock()) {
+        lockWasFree = true;
+        m_lock.unlock();
+      }
     }).join();
     return SampleCvar::get_HelpString(text);
   }
